@@ -1,0 +1,1 @@
+// Goes as soon as the first real source stands in the list.
