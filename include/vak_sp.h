@@ -70,9 +70,98 @@ typedef int64_t vak_id;
 
 /* ==== File header, key 1 in listings ======================================= */
 
+/* Writes the header: group "vakheader" below `location` (the file's root group), holding one record of 64 characters:
+ * the signature 0x89 V A K CR LF 0x1A LF, the format version as text ("2 2 14"; legacy "1 2 0"), blanks.
+ * A file has one header. ierr: HDF5's negative answer when the group cannot be made (a second header),
+ * otherwise the storage layer's. */
+VAK_API void VAK_WRITE_FILEHEADER(const vak_id *location, const void *ignored1, const void *ignored2, int32_t *ierr);
+VAK_API void VAK1_WRITE_FILEHEADER(const vak_id *location, const void *ignored1, const void *ignored2, int32_t *ierr);
+
+/* Reads the header found in `location`, the group "vakheader" itself. `version` receives the 32 characters behind the
+ * signature, flags and params (two values) the filters of the record: 0 for what this library wrote.
+ * ierr: 0; +1 for each wrong byte of the signature, with a warning each; +100 when the version is not
+ * the family's own; negative and outputs untouched when there is no readable record. */
+VAK_API void VAK_READ_FILEHEADER(
+    const vak_id *location, char *version, int32_t *flags, int32_t *params, int32_t *ierr);
+VAK_API void VAK1_READ_FILEHEADER(
+    const vak_id *location, char *version, int32_t *flags, int32_t *params, int32_t *ierr);
+
 /* ==== System block, key 10 ================================================= */
 
+/* The one system block of a file, at constant/system below `file`: who wrote the file, and its system of units.
+ * title, sys, solver_name, solver_vers   texts of 256 characters
+ * cdate, ctime, mdate, mtime   dates and times of creation and modification, 8 characters as the caller formats them
+ *                              (the state eraser writes YYYYMMDD and HHMMSS)
+ * nbunit base units: ubid[nbunit] identifiers, ubtyp and ubnam (256 each) types and names, ubshift and
+ *                    ubcon shifts and conversion factors
+ * ndunit derived units: udid[ndunit] identifiers, udnam (256 each) names, udscal scales; ndbunit[ndunit] numbers of base
+ *                    units that each is made of; their identifiers udbid and exponents udbexp, derived unit after
+ *                    derived unit, sum of ndbunit entries
+ * ierr: 0; -1 when the file has a system block already ("... already exists"), which then stays as it is. */
+VAK_API void VAK_WRITE_SYSTEM(
+    const vak_id *file,
+    const char *title, const char *sys, const char *solver_name, const char *solver_vers,
+    const char *cdate, const char *ctime, const char *mdate, const char *mtime,
+    const int32_t *nbunit, const int32_t *ndunit,
+    const int32_t *ubid, const char *ubtyp, const char *ubnam, const float *ubshift, const float *ubcon,
+    const int32_t *udid, const char *udnam, const float *udscal,
+    const int32_t *ndbunit, const int32_t *udbid, const float *udbexp,
+    const int32_t *flags, const int32_t *params, const int32_t *float_size, int32_t *ierr);
+VAK_API void VAK1_WRITE_SYSTEM(
+    const vak_id *file,
+    const char *title, const char *sys, const char *solver_name, const char *solver_vers,
+    const char *cdate, const char *ctime, const char *mdate, const char *mtime,
+    const int32_t *nbunit, const int32_t *ndunit,
+    const int32_t *ubid, const char *ubtyp, const char *ubnam, const float *ubshift, const float *ubcon,
+    const int32_t *udid, const char *udnam, const float *udscal,
+    const int32_t *ndbunit, const int32_t *udbid, const float *udbexp,
+    const int32_t *flags, const int32_t *params, const int32_t *float_size, int32_t *ierr);
+
+/* Reads it from its group. ipass 1: the texts and the two counts; 2: everything, with the filters found.
+ * ierr: 0; -1 not a system block, or no group; -3 another ipass; otherwise the storage layer's. */
+VAK_API void VAK_READ_SYSTEM(
+    const vak_id *group, const int32_t *ipass,
+    char *title, char *sys, char *solver_name, char *solver_vers,
+    char *cdate, char *ctime, char *mdate, char *mtime,
+    int32_t *nbunit, int32_t *ndunit,
+    int32_t *ubid, char *ubtyp, char *ubnam, float *ubshift, float *ubcon,
+    int32_t *udid, char *udnam, float *udscal,
+    int32_t *ndbunit, int32_t *udbid, float *udbexp,
+    int32_t *flags, int32_t *params, int32_t *ierr);
+VAK_API void VAK1_READ_SYSTEM(
+    const vak_id *group, const int32_t *ipass,
+    char *title, char *sys, char *solver_name, char *solver_vers,
+    char *cdate, char *ctime, char *mdate, char *mtime,
+    int32_t *nbunit, int32_t *ndunit,
+    int32_t *ubid, char *ubtyp, char *ubnam, float *ubshift, float *ubcon,
+    int32_t *udid, char *udnam, float *udscal,
+    int32_t *ndbunit, int32_t *udbid, float *udbexp,
+    int32_t *flags, int32_t *params, int32_t *ierr);
+
 /* ==== Index block, key 20 ================================================== */
+
+/* The one index block of a file, at constant/indices below `file`: how many index values the states have (nindex), and
+ * of which variable (etypvar). ierr: 0; -1 when the file has an index block already. */
+VAK_API void VAK_WRITE_INDEX(
+    const vak_id *file, const int32_t *nindex, const char *etypvar,
+    const void *ignored1, const void *ignored2, int32_t *ierr);
+VAK_API void VAK_READ_INDEX(
+    const vak_id *group, const void *ignored1, int32_t *nindex, char *etypvar,
+    const void *ignored2, const void *ignored3, int32_t *ierr);
+
+/* Legacy: each index has a name (etypindex, 256 characters each) and a unit: mbunit[nindex] numbers of base units and
+ * mdunit[nindex] numbers of derived units; identifiers ubid and exponents ubexp of the base units, index after
+ * index (sum of mbunit entries), udid and udexp likewise (sum of mdunit). Reading: ipass 1 nindex, 2 everything. */
+VAK_API void VAK1_WRITE_INDEX(
+    const vak_id *file, const int32_t *nindex, const char *etypindex,
+    const int32_t *mbunit, const int32_t *mdunit,
+    const int32_t *ubid, const float *ubexp, const int32_t *udid, const float *udexp,
+    const int32_t *flags, const int32_t *params, const int32_t *float_size, int32_t *ierr);
+VAK_API void VAK1_READ_INDEX(
+    const vak_id *group, const int32_t *ipass, int32_t *nindex, char *etypindex,
+    int32_t *mbunit, int32_t *mdunit,
+    int32_t *ubid, float *ubexp, int32_t *udid, float *udexp,
+    int32_t *flags, int32_t *params, int32_t *ierr);
 
 /* ==== Variable blocks, key 30; variable groups, key 32 ===================== */
 

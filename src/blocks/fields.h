@@ -1,0 +1,42 @@
+// Groups of fields that many block kinds have in common.
+#pragma once
+
+#include "blocks/block.h"
+
+namespace vak {
+
+// The index values of a state. Legacy blocks have no "indexic", except matrices.
+struct Index {
+    Arg<int32_t> nindex, indexic, indexident;
+    Arg<float> indexval;
+};
+
+void index_counts(Block&, const Index&);
+
+// Legacy: in the subgroup named. Always written, also with length 0; read when there are any.
+void index_values(Block&, const Index&, const char* section = "index");
+
+// The place of a block that belongs to a state, or to none.
+BlockPath state_path(const Index&, int32_t state, const char* type, const char* name);
+
+// Units as powers of base and derived units, one after the other for `n` columns.
+struct Units {
+    Arg<int32_t> mbunit, mdunit;
+    Arg<int32_t> ubid;
+    Arg<float> ubexp;
+    Arg<int32_t> udid;
+    Arg<float> udexp;
+};
+
+void unit_tables(Block&, const Units&, int64_t n);
+
+// What a value-size code stands for: 4 and 8 real values, 16 and 32 complex ones with parts of a quarter
+// of it. Other codes silently mean 4; this is required as it stands.
+struct ValueForm {
+    size_t size;
+    bool is_complex;
+};
+
+ValueForm value_form(int32_t ivsize);
+
+}  // namespace vak
