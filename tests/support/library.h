@@ -1,0 +1,102 @@
+// The fixture of every test that calls an exported routine.
+//
+// A test in five lines:
+//
+//   TEST_F(LibraryTest, second_write_is_refused)
+//   {
+//       int32_t ierr = 0;
+//       EXPECT_EQ(call([&] { VAK_WRITE_SYSTEM(&file, ..., &ierr); }), nothing_printed);
+//       EXPECT_EQ(layout(file, "constant/system/vakblock"), R"(
+//   A block int32
+//   )");
+//   }
+//
+// `file` is a fresh file, opened for writing by plain HDF5; path("name") names further ones in the test's own
+// folder. call() gives what was printed and checks that the routine left no HDF5 identifier open (or as many
+// as the second argument says) and HDF5's error printing as it was. At the end of the test no identifier and
+// no file descriptor may be left over.
+#pragma once
+
+#include <gmock/gmock.h>
+#include <hdf5.h>
+
+#include <optional>
+#include <string>
+
+#include "support/capture.h"
+#include "support/ids.h"
+#include "support/probe.h"
+#include "support/temp_file.h"
+
+namespace vak::test {
+
+// How many HDF5 identifiers of each class are in use.
+struct OpenIds {
+    int64_t objects = 0;  // files, groups, datasets, attributes, stored types
+    int64_t spaces = 0;
+    int64_t types = 0;
+    int64_t properties = 0;
+    int64_t error_stacks = 0;
+
+    int64_t total() const { return objects + spaces + types + properties + error_stacks; }
+    bool operator==(const OpenIds&) const = default;
+};
+std::ostream& operator<<(std::ostream& stream, const OpenIds& ids);
+
+// Counts from its making on. HDF5 tells no number for its own classes, but gives identifiers in ascending
+// order, so those between the first and the next one are asked whether they are still valid.
+class IdCounter {
+public:
+    IdCounter();
+    OpenIds count() const;
+
+private:
+    OpenIds first_;  // identifiers here, not counts
+};
+
+// HDF5's automatic error printing, in whichever of its two forms it is set.
+struct ErrorPrinting {
+    unsigned is_v2 = 1;
+    H5E_auto1_t print1 = nullptr;
+    H5E_auto2_t print2 = nullptr;
+    void* data = nullptr;
+
+    bool operator==(const ErrorPrinting&) const = default;
+};
+ErrorPrinting error_printing();
+
+size_t open_descriptors();
+
+class LibraryTest : public testing::Test {
+protected:
+    void SetUp() override;
+    void TearDown() override;
+
+    std::string path(const std::string& name) const { return folder_.file(name); }
+
+    // Runs one exported call; `opened` tells how many identifiers more (or less) it is to leave.
+    template <class Routine>
+    Output call(Routine&& routine, int64_t opened = 0)
+    {
+        const OpenIds before = counter_.count();
+        const ErrorPrinting printing = error_printing();
+        Output output = captured(routine);
+        check_after_call(before, opened, printing);
+        return output;
+    }
+
+    // Closes the fresh file, so that the next look at it is at what reached the disk. Gives its name.
+    std::string close_file();
+
+    hid_t file = H5I_INVALID_HID;
+
+private:
+    void check_after_call(const OpenIds& before, int64_t opened, const ErrorPrinting& printing) const;
+
+    TempFolder folder_;
+    IdCounter counter_;
+    OpenIds ids_at_start_;
+    size_t descriptors_at_start_ = 0;
+};
+
+}  // namespace vak::test
