@@ -165,6 +165,69 @@ VAK_API void VAK1_READ_INDEX(
 
 /* ==== Variable blocks, key 30; variable groups, key 32 ===================== */
 
+/* One result variable, at constant/variable/<varkey> below `file`.
+ * varkey, varclass, varnam, type   texts; tensor and type are the producer's codes, stored unchanged
+ * ncoo        components; rank and ndim tensor rank and dimension
+ * mbunit[ncoo], mdunit[ncoo]   numbers of base and derived units in each component's unit; identifiers ubid and
+ *             exponents ubexp of the base units, component after component (lenb, the sum of mbunit), udid and
+ *             udexp of the derived units (lend, the sum of mdunit)
+ * subslen     length of all component subscripts, 0 for none; subscr[subslen] their characters, subscnt[ncoo] their
+ *             lengths, subsoffs[ncoo] their offsets in subscr
+ * lvmap       1 or more with a map of components onto tensor entries: vmap[ncoo][ndim]...[ndim] (rank times)
+ * ierr: 0; -1 the file has this variable already; -3 a sum above 2^31-1 or a negative number of units (nothing is
+ * written); otherwise the storage layer's. */
+VAK_API void VAK_WRITE_VARIABLE(
+    const vak_id *file, const void *ignored1, const void *ignored2,
+    const char *varkey, const char *varclass, const char *varnam,
+    const int32_t *ncoo, const int32_t *rank, const int32_t *ndim, const int32_t *tensor, const char *type,
+    const int32_t *lvmap, const int32_t *subslen,
+    const int32_t *mbunit, const int32_t *mdunit,
+    const int32_t *ubid, const float *ubexp, const int32_t *udid, const float *udexp,
+    const char *subscr, const int32_t *subscnt, const int32_t *subsoffs, const float *vmap,
+    const int32_t *flags, const int32_t *params, const int32_t *float_size, int32_t *ierr);
+
+/* Reads it. mode 1: the texts and counts; 2: the arrays that the counts call for, with the filters found;
+ * 3: both; otherwise nothing but the key. ierr: 0; -1 not a variable, or no group. */
+VAK_API void VAK_READ_VARIABLE(
+    const vak_id *group, const int32_t *mode, const void *ignored,
+    char *varkey, char *varclass, char *varnam,
+    int32_t *ncoo, int32_t *rank, int32_t *ndim, int32_t *tensor, char *type,
+    int32_t *lenb, int32_t *lend, int32_t *lvmap, int32_t *subslen,
+    int32_t *mbunit, int32_t *mdunit,
+    int32_t *ubid, float *ubexp, int32_t *udid, float *udexp,
+    char *subscr, int32_t *subscnt, int32_t *subsoffs, float *vmap,
+    int32_t *flags, int32_t *params, int32_t *ierr);
+
+/* The nvar variables of one entity type (etypvar), at constant/variablegroup/<name>: cnt[nvar] components of each,
+ * offs[nvar] offset of each one's first component, varkey (256 characters each) its key; ncoo components in all.
+ * Reading: mode 1 attributes, 2 arrays. ierr as for variables. */
+VAK_API void VAK_WRITE_VARIABLEGROUP(
+    const vak_id *file, const char *etypvar, const void *ignored, const char *name,
+    const int32_t *nvar, const int32_t *ncoo, const int32_t *cnt, const int32_t *offs, const char *varkey,
+    const int32_t *flags, const int32_t *params, int32_t *ierr);
+VAK_API void VAK_READ_VARIABLEGROUP(
+    const vak_id *group, const int32_t *mode, const void *ignored,
+    char *etypvar, int32_t *nvar, int32_t *ncoo, int32_t *cnt, int32_t *offs, char *varkey,
+    int32_t *flags, int32_t *params, int32_t *ierr);
+
+/* Legacy: all variables of one entity type, at constant/variables/<etypvar>: units as above; cname (256 characters each),
+ * cid[ncoo] and comp[ncoo] name, identifier and component of each. Reading: ipass 1 attributes, 2 everything.
+ * ierr: 0; -1 already there, or not such a block; -3 another ipass. */
+VAK_API void VAK1_WRITE_VARIABLES(
+    const vak_id *file, const char *etypvar,
+    const int32_t *idtrans, const int32_t *rank, const int32_t *ndim, const int32_t *ncoo,
+    const int32_t *mbunit, const int32_t *mdunit,
+    const int32_t *ubid, const float *ubexp, const int32_t *udid, const float *udexp,
+    const char *cname, const int32_t *cid, const int32_t *comp,
+    const int32_t *flags, const int32_t *params, const int32_t *float_size, int32_t *ierr);
+VAK_API void VAK1_READ_VARIABLES(
+    const vak_id *group, const int32_t *ipass, char *etypvar,
+    int32_t *idtrans, int32_t *rank, int32_t *ndim, int32_t *ncoo,
+    int32_t *mbunit, int32_t *mdunit,
+    int32_t *ubid, float *ubexp, int32_t *udid, float *udexp,
+    char *cname, int32_t *cid, int32_t *comp,
+    int32_t *flags, int32_t *params, int32_t *ierr);
+
 /* ==== Text block, key 40 =================================================== */
 
 /* ==== Parts block, key 100 ================================================= */
@@ -178,6 +241,96 @@ VAK_API void VAK1_READ_INDEX(
 /* ==== Properties, key 500 ================================================== */
 
 /* ==== Entity results, keys 1000 and 1001 =================================== */
+
+/* Values of one variable on the entities of one type, for one state and zone.
+ * etyp        entity type; nent entities with identifiers entid[nent]
+ * etypvar     the variable, of ncoo components; res[nent][ncoo] values, or res[nent][ncoo][2] complex ones
+ * etypzone, zoneid   zone type and number (below 0: none)
+ * etypframe   reference frame; fswitch 0: one frame fidglob for all, 1: fid[nent], one for each entity
+ * dmpswitch   1: the block says how domains are joined: op[ncoo], 256 characters each ("SUM", "AVERAGE", "MIN", "MAX"; the
+ *             argument called operator elsewhere), and weight[nent]
+ * nindex, indexic, indexident[nindex], indexval[nindex]   the state's index values (legacy: no indexic)
+ * iset        set number in the path (below 0: none); istate the state number there
+ * iopt, ipar  compression; reals of this block are never scale-offset compressed
+ * Place: <state>/entityresults/<etyp>/<etypvar>/<etypzone><zoneid>_set<iset>. A block that is there already is written
+ * again in place; its shapes must be the same.
+ * ierr: 0; -123 fswitch neither 0 nor 1; -1 the block's group cannot be closed; otherwise the storage layer's. */
+VAK_API void VAK_WRITE_ENTITYRESULTS(
+    const vak_id *file,
+    const char *etyp, const int32_t *nent, const char *etypvar, const int32_t *ncoo,
+    const char *etypzone, const int32_t *zoneid, const char *etypframe, const int32_t *fswitch, const int32_t *dmpswitch,
+    const int32_t *nindex, const int32_t *indexic, const int32_t *indexident, const float *indexval,
+    const int32_t *entid, const int32_t *fidglob, const int32_t *fid, const char *op, const float *weight, const float *res,
+    const int32_t *iset, const int32_t *istate,
+    const int32_t *iopt, const int32_t *ipar, const int32_t *ivsize, int32_t *ierr);
+VAK_API void VAK1_WRITE_ENTITYRESULTS(
+    const vak_id *file,
+    const char *etyp, const int32_t *nent, const char *etypvar, const int32_t *ncoo,
+    const char *etypzone, const int32_t *zoneid, const char *etypframe, const int32_t *fswitch, const int32_t *dmpswitch,
+    const int32_t *nindex, const int32_t *indexident, const float *indexval,
+    const int32_t *entid, const int32_t *fidglob, const int32_t *fid, const char *op, const float *weight, const float *res,
+    const int32_t *iset, const int32_t *istate,
+    const int32_t *iopt, const int32_t *ipar, const int32_t *ivsize, int32_t *ierr);
+
+/* Reads it. ipass 1: attributes; 0: attributes and index values; 2: everything, with the filters found.
+ * ierr: the key, 1000 (real values) or 1001 (complex), never 0; -1 not such a block, or no group; -3 another ipass;
+ * -123 the stored fswitch; otherwise the storage layer's. */
+VAK_API void VAK_READ_ENTITYRESULTS(
+    const vak_id *group, const int32_t *ipass,
+    char *etyp, int32_t *nent, char *etypvar, int32_t *ncoo,
+    char *etypzone, int32_t *zoneid, char *etypframe, int32_t *fswitch, int32_t *dmpswitch,
+    int32_t *nindex, int32_t *indexic, int32_t *indexident, float *indexval,
+    int32_t *entid, int32_t *fidglob, int32_t *fid, char *op, float *weight, float *res,
+    int32_t *iopt, int32_t *ipar, int32_t *ierr);
+VAK_API void VAK1_READ_ENTITYRESULTS(
+    const vak_id *group, const int32_t *ipass,
+    char *etyp, int32_t *nent, char *etypvar, int32_t *ncoo,
+    char *etypzone, int32_t *zoneid, char *etypframe, int32_t *fswitch, int32_t *dmpswitch,
+    int32_t *nindex, int32_t *indexident, float *indexval,
+    int32_t *entid, int32_t *fidglob, int32_t *fid, char *op, float *weight, float *res,
+    int32_t *iopt, int32_t *ipar, int32_t *ierr);
+
+/* The parts of a block, in a group that the caller has opened and keeps open.
+ * gids[2]     the block's group, and the shared group (used with 16 only)
+ * parts       1 attributes, 2 index values, 4 tables (entid, frames, op, weight), 8 values;
+ *             16 with 4: the tables stand once in the shared group, and the block has hard links to them
+ * data_size   size of one value of res in memory, 4 or 8
+ * mode        0 all values; 1 the slab of icount values at istart, an entry for each of the 2 extents (complex: 3);
+ *             2 the *istart points whose coordinates stand in icount, 2 (complex: 3) each
+ * ierr as above; -999 another mode (writers say so), a negative group: that number. */
+VAK_API void VAK_WRITE_ENTITYRESULTS2(
+    const vak_id *gids, const int32_t *parts, const void *ignored,
+    const char *etyp, const int32_t *nent, const char *etypvar, const int32_t *ncoo,
+    const char *etypzone, const int32_t *zoneid, const char *etypframe, const int32_t *fswitch, const int32_t *dmpswitch,
+    const int32_t *nindex, const int32_t *indexic, const int32_t *indexident, const float *indexval,
+    const int32_t *entid, const int32_t *fidglob, const int32_t *fid, const char *op, const float *weight, const float *res,
+    const int32_t *data_size, const int32_t *iopt, const int32_t *ipar, const int32_t *ivsize,
+    const int32_t *mode, const int64_t *istart, const int64_t *icount, int32_t *ierr);
+VAK_API void VAK1_WRITE_ENTITYRESULTS2(
+    const vak_id *gids, const int32_t *parts, const void *ignored,
+    const char *etyp, const int32_t *nent, const char *etypvar, const int32_t *ncoo,
+    const char *etypzone, const int32_t *zoneid, const char *etypframe, const int32_t *fswitch, const int32_t *dmpswitch,
+    const int32_t *nindex, const int32_t *indexident, const float *indexval,
+    const int32_t *entid, const int32_t *fidglob, const int32_t *fid, const char *op, const float *weight, const float *res,
+    const int32_t *data_size, const int32_t *iopt, const int32_t *ipar, const int32_t *ivsize,
+    const int32_t *mode, const int64_t *istart, const int64_t *icount, int32_t *ierr);
+
+VAK_API void VAK_READ_ENTITYRESULTS2(
+    const vak_id *group, const int32_t *parts, const void *ignored,
+    char *etyp, int32_t *nent, char *etypvar, int32_t *ncoo,
+    char *etypzone, int32_t *zoneid, char *etypframe, int32_t *fswitch, int32_t *dmpswitch,
+    int32_t *nindex, int32_t *indexic, int32_t *indexident, float *indexval,
+    int32_t *entid, int32_t *fidglob, int32_t *fid, char *op, float *weight, float *res,
+    const int32_t *data_size, int32_t *iopt, int32_t *ipar,
+    const int32_t *mode, const int64_t *istart, const int64_t *icount, int32_t *ierr);
+VAK_API void VAK1_READ_ENTITYRESULTS2(
+    const vak_id *group, const int32_t *parts, const void *ignored,
+    char *etyp, int32_t *nent, char *etypvar, int32_t *ncoo,
+    char *etypzone, int32_t *zoneid, char *etypframe, int32_t *fswitch, int32_t *dmpswitch,
+    int32_t *nindex, int32_t *indexident, float *indexval,
+    int32_t *entid, int32_t *fidglob, int32_t *fid, char *op, float *weight, float *res,
+    const int32_t *data_size, int32_t *iopt, int32_t *ipar,
+    const int32_t *mode, const int64_t *istart, const int64_t *icount, int32_t *ierr);
 
 /* ==== Multi-state entity results, keys 1050 and 1051 ======================= */
 

@@ -16,8 +16,7 @@ void take(Block& io, int32_t status)
 
 Location place(Block& io)
 {
-    if (io.section.valid()) return {io.section.get(), io.section_is_new, &io.shared};
-    return {io.group, io.is_new, &io.shared};
+    return {current_group(io), io.section.valid() ? io.section_is_new : io.is_new, &io.shared};
 }
 
 void attribute(Block& io, const char* name, void* value, int32_t type, size_t size)
@@ -178,7 +177,7 @@ Counts counts(Block& io, const char* name, Arg<int32_t> values, Shape shape)
 int64_t total(const int32_t* values, int64_t n)
 {
     int64_t sum = 0;
-    for (int64_t i = 0; i < n; ++i) {
+    for (int64_t i = 0; values != nullptr && i < n; ++i) {
         if (values[i] < 0) return impossible_length;
         sum += values[i];
     }

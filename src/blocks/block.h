@@ -122,6 +122,7 @@ struct Block {
 inline bool reading(const Block& io) { return io.direction == Direction::read; }
 inline bool current(const Block& io) { return io.family == Family::current; }
 inline bool legacy(const Block& io) { return io.family == Family::legacy; }
+inline hid_t current_group(const Block& io) { return io.section.valid() ? io.section.get() : io.group; }
 
 // Attributes, one value each.
 void text(Block&, const char* name, Arg<char>, size_t length = 256);

@@ -1,5 +1,7 @@
 #include "blocks/fields.h"
 
+#include <cstdio>
+
 namespace vak {
 
 void index_counts(Block& io, const Index& x)
@@ -25,12 +27,26 @@ void unit_tables(Block& io, const Units& u, int64_t n)
 {
     const Counts bases = counts(io, "mbunit", u.mbunit, {n});
     const Counts derived = counts(io, "mdunit", u.mdunit, {n});
-    const int64_t nbase = total(io, bases);
-    const int64_t nderived = total(io, derived);
+    unit_lists(io, u, total(io, bases), total(io, derived));
+}
+
+void unit_lists(Block& io, const Units& u, int64_t nbase, int64_t nderived)
+{
     integers(io, "ubid", u.ubid, {nbase});
     reals(io, "ubexp", u.ubexp, {nbase});
     integers(io, "udid", u.udid, {nderived});
     reals(io, "udexp", u.udexp, {nderived});
+}
+
+bool fits_count(int64_t total)
+{
+    return total <= std::numeric_limits<int32_t>::max();
+}
+
+int32_t refuse_total(const BlockKind& kind)
+{
+    std::fprintf(stderr, "VAK ERROR writing block key %d\n", kind.key);
+    return -3;
 }
 
 ValueForm value_form(int32_t ivsize)

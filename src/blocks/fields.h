@@ -29,6 +29,11 @@ struct Units {
 };
 
 void unit_tables(Block&, const Units&, int64_t n);
+void unit_lists(Block&, const Units&, int64_t nbase, int64_t nderived);  // without the counts
+
+// A total that is stored as a 32-bit count and does not fit: refused before anything is written.
+bool fits_count(int64_t total);
+int32_t refuse_total(const BlockKind&);
 
 // What a value-size code stands for: 4 and 8 real values, 16 and 32 complex ones with parts of a quarter
 // of it. Other codes silently mean 4; this is required as it stands.

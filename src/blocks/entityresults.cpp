@@ -1,0 +1,351 @@
+// The entity results block (keys 1000 and 1001): values of one variable on the entities of one type, for one state.
+#include <cstdio>
+
+#include "blocks/results.h"
+#include "vak_sp.h"
+
+namespace vak {
+
+namespace {
+
+constexpr BlockKind kind{.key = 1000, .type = "entityresults", .complex_key = 1001};
+
+struct EntityResults {
+    Arg<char> etyp;
+    Arg<int32_t> nent;
+    Arg<char> etypvar;
+    Arg<int32_t> ncoo;
+    Arg<char> etypzone;
+    Arg<int32_t> zoneid;
+    Arg<char> etypframe;
+    Arg<int32_t> fswitch, dmpswitch;
+    Index index;
+    ResultTables tables;
+    Arg<float> res;
+};
+
+// The values that a call transfers: their size in memory and which of them.
+struct Values {
+    int32_t data_size = 4;
+    int32_t mode = whole_dataset;
+    const int64_t* istart = nullptr;
+    const int64_t* icount = nullptr;
+};
+
+void header(Block& io, const EntityResults& r)
+{
+    text(io, "etyp", r.etyp);
+    integer(io, "nent", r.nent);
+    text(io, "etypvar", r.etypvar);
+    integer(io, "ncoo", r.ncoo);
+    text(io, "etypzone", r.etypzone);
+    integer(io, "zoneid", r.zoneid);
+    text(io, "etypframe", r.etypframe);
+    integer(io, "fswitch", r.fswitch);
+    integer(io, "dmpswitch", r.dmpswitch);
+    index_counts(io, r.index);
+}
+
+void tables(Block& io, const EntityResults& r)
+{
+    integers(io, "entid", r.tables.ids, {*r.nent});
+    if (io.stopped) return;
+    if (*r.fswitch != 0 && *r.fswitch != 1) return stop(io, -123);
+    frame_fields(io, r.tables, *r.fswitch, {*r.nent});
+    merge_fields(io, r.tables, *r.dmpswitch, *r.ncoo, *r.nent);
+}
+
+bool has(hid_t group, const char* name) { return H5Lexists(group, name, H5P_DEFAULT) > 0; }
+
+// Gives the block the tables of the shared group. A link that cannot be made is not an error of the block.
+void link_tables(hid_t shared, hid_t group, const EntityResults& r)
+{
+    if (has(group, "entid")) return;
+    const auto link = [&](const char* name) {
+        H5Lcreate_hard(shared, name, group, name, H5P_DEFAULT, H5P_DEFAULT);
+    };
+    link("entid");
+    if (*r.fswitch == 0) link("fidglob");
+    if (*r.fswitch == 1) link("fid");
+    if (*r.dmpswitch != 1) return;
+    link("operator");
+    link("weight");
+}
+
+void shared_tables(Block& io, hid_t shared, const EntityResults& r)
+{
+    if (io.stopped) return;
+    if (!has(shared, "entid")) {
+        Block once(kind, Family::current, Direction::write, shared);
+        once.storage = io.storage;
+        tables(once, r);
+        if (once.stopped) return stop(io, once.status);
+    }
+    link_tables(shared, current_group(io), r);
+}
+
+Shape values_shape(const Block& io, const EntityResults& r)
+{
+    Shape shape{*r.nent, *r.ncoo};
+    if (io.key == kind.complex_key) shape.add(2);
+    return shape;
+}
+
+void values(Block& io, const EntityResults& r, const Values& v)
+{
+    if (io.stopped) return;
+    Shape shape = values_shape(io, r);
+    const auto rank = static_cast<size_t>(shape.rank());
+    Transfer part = whole();
+    if (v.mode == hyperslab) part = slab(v.icount, v.istart, rank);
+    // A point list has the number of points in istart and the coordinates in icount.
+    if (v.mode == point_list) part = points(*v.istart, v.icount, rank);
+    const RealArray res{.name = "res", .values = r.res.at, .memory_size = static_cast<size_t>(v.data_size)};
+    real_part(io, res, shape, std::move(part));
+}
+
+bool known_mode(int32_t mode) { return mode >= whole_dataset && mode <= point_list; }
+
+void write_fields(Block& io, int32_t parts, hid_t shared, const EntityResults& r, const Values& v)
+{
+    if (parts & what::attributes) {
+        enter(io, "header");
+        identify(io);
+        header(io, r);
+    }
+    if (parts & what::index) index_values(io, r.index);
+    if (parts & (what::tables | what::values)) enter(io, "data");
+    if (parts & what::tables) {
+        if (parts & what::share)
+            shared_tables(io, shared, r);
+        else
+            tables(io, r);
+    }
+    if (io.stopped || !(parts & what::values)) return;
+    if (known_mode(v.mode)) return values(io, r, v);
+    std::fprintf(stderr, "VAK ERROR writing block key %d - invalid mode\n", io.key);
+    stop(io, -999);
+}
+
+Block writing(Family family, hid_t group, StorageOptions storage, int32_t ivsize)
+{
+    const ValueForm form = value_form(ivsize);
+    Block io(kind, family, Direction::write, group);
+    storage.real_size = form.size;
+    io.storage = storage;
+    io.key = form.is_complex ? kind.complex_key : kind.key;
+    return io;
+}
+
+int32_t write_parts(Family family, const vak_id* gids, int32_t parts, const EntityResults& r,
+                    const StorageOptions& storage, int32_t ivsize, const Values& v)
+{
+    return exported([&] {
+        if (gids[0] < 0) {
+            std::fprintf(stderr, "VAK ERROR writing block %s\n", kind.type);
+            return static_cast<int32_t>(gids[0]);
+        }
+        Block io = writing(family, gids[0], storage, ivsize);
+        write_fields(io, parts, gids[1], r, v);
+        return end_writing(io, Group());
+    });
+}
+
+int32_t write_state(Family family, hid_t file, const EntityResults& r, int32_t iset, int32_t istate,
+                    const StorageOptions& storage, int32_t ivsize)
+{
+    return exported([&] {
+        const BlockPath path{
+            .nstate = *r.index.nindex, .states = r.index.indexident.at, .state = istate,
+            .names = {kind.type, r.etyp.at, r.etypvar.at, r.etypzone.at}, .index = *r.zoneid, .set = iset};
+        OpenedGroup opened = open_or_create_group(file, path_text(family, path));
+        if (opened.status < 0) return opened.status;
+        Block io = writing(family, opened.group.get(), storage, ivsize);
+        io.is_new = opened.status > 0;
+        write_fields(io, what::attributes | what::index | what::tables | what::values, H5I_INVALID_HID, r, {});
+        const bool closed = io.section.close() && opened.group.close();
+        return io.status == 0 && !closed ? -1 : io.status;
+    });
+}
+
+void read_fields(Block& io, int32_t parts, const EntityResults& r, const Values& v, int32_t* iopt, int32_t* ipar)
+{
+    if (parts & what::attributes) header(io, r);
+    if (parts & what::index) index_values(io, r.index);
+    if (parts & (what::tables | what::values)) enter(io, "data");
+    if (parts & what::tables) tables(io, r);
+    if (parts & what::values) {
+        if (!io.stopped && !known_mode(v.mode)) stop(io, -999);
+        values(io, r, v);
+        report_storage(io, iopt, ipar);
+    }
+    finish_with_key(io);
+}
+
+int32_t read_parts(Family family, hid_t group, int32_t parts, const EntityResults& r, const Values& v,
+                   int32_t* iopt, int32_t* ipar)
+{
+    return read_block(kind, family, group, [&](Block& io) { read_fields(io, parts, r, v, iopt, ipar); });
+}
+
+int32_t read_state(Family family, hid_t group, int32_t ipass, const EntityResults& r, int32_t* iopt, int32_t* ipar)
+{
+    return read_block(kind, family, group, [&](Block& io) {
+        switch (ipass) {
+            case 0: return read_fields(io, what::attributes | what::index, r, {}, iopt, ipar);
+            case 1: return read_fields(io, what::attributes, r, {}, iopt, ipar);
+            case 2:
+                return read_fields(io, what::attributes | what::index | what::tables | what::values, r, {}, iopt, ipar);
+            default:
+                std::fprintf(stderr, "VAK INTERNAL ERROR reading \"entityresults\" block - ipass = %d\n", ipass);
+                stop(io, -3);
+        }
+    });
+}
+
+}  // namespace
+
+}  // namespace vak
+
+using namespace vak;
+
+// Exported routines: the arguments stand in groups, as in vak_sp.h.
+// clang-format off
+
+void VAK_WRITE_ENTITYRESULTS(
+    const vak_id* file,
+    const char* etyp, const int32_t* nent, const char* etypvar, const int32_t* ncoo,
+    const char* etypzone, const int32_t* zoneid, const char* etypframe, const int32_t* fswitch, const int32_t* dmpswitch,
+    const int32_t* nindex, const int32_t* indexic, const int32_t* indexident, const float* indexval,
+    const int32_t* entid, const int32_t* fidglob, const int32_t* fid, const char* op, const float* weight, const float* res,
+    const int32_t* iset, const int32_t* istate,
+    const int32_t* iopt, const int32_t* ipar, const int32_t* ivsize, int32_t* ierr)
+{
+    const EntityResults r{
+        .etyp = etyp, .nent = nent, .etypvar = etypvar, .ncoo = ncoo,
+        .etypzone = etypzone, .zoneid = zoneid, .etypframe = etypframe, .fswitch = fswitch, .dmpswitch = dmpswitch,
+        .index = {.nindex = nindex, .indexic = indexic, .indexident = indexident, .indexval = indexval},
+        .tables = {.ids = entid, .fidglob = fidglob, .fid = fid, .op = op, .weight = weight}, .res = res};
+    *ierr = write_state(Family::current, *file, r, *iset, *istate, storage_of(iopt, ipar), *ivsize);
+}
+
+void VAK_WRITE_ENTITYRESULTS2(
+    const vak_id* gids, const int32_t* parts, const void*,
+    const char* etyp, const int32_t* nent, const char* etypvar, const int32_t* ncoo,
+    const char* etypzone, const int32_t* zoneid, const char* etypframe, const int32_t* fswitch, const int32_t* dmpswitch,
+    const int32_t* nindex, const int32_t* indexic, const int32_t* indexident, const float* indexval,
+    const int32_t* entid, const int32_t* fidglob, const int32_t* fid, const char* op, const float* weight, const float* res,
+    const int32_t* data_size, const int32_t* iopt, const int32_t* ipar, const int32_t* ivsize,
+    const int32_t* mode, const int64_t* istart, const int64_t* icount, int32_t* ierr)
+{
+    const EntityResults r{
+        .etyp = etyp, .nent = nent, .etypvar = etypvar, .ncoo = ncoo,
+        .etypzone = etypzone, .zoneid = zoneid, .etypframe = etypframe, .fswitch = fswitch, .dmpswitch = dmpswitch,
+        .index = {.nindex = nindex, .indexic = indexic, .indexident = indexident, .indexval = indexval},
+        .tables = {.ids = entid, .fidglob = fidglob, .fid = fid, .op = op, .weight = weight}, .res = res};
+    const Values v{.data_size = *data_size, .mode = *mode, .istart = istart, .icount = icount};
+    *ierr = write_parts(Family::current, gids, *parts, r, storage_of(iopt, ipar), *ivsize, v);
+}
+
+void VAK_READ_ENTITYRESULTS(
+    const vak_id* group, const int32_t* ipass,
+    char* etyp, int32_t* nent, char* etypvar, int32_t* ncoo,
+    char* etypzone, int32_t* zoneid, char* etypframe, int32_t* fswitch, int32_t* dmpswitch,
+    int32_t* nindex, int32_t* indexic, int32_t* indexident, float* indexval,
+    int32_t* entid, int32_t* fidglob, int32_t* fid, char* op, float* weight, float* res,
+    int32_t* iopt, int32_t* ipar, int32_t* ierr)
+{
+    const EntityResults r{
+        .etyp = etyp, .nent = nent, .etypvar = etypvar, .ncoo = ncoo,
+        .etypzone = etypzone, .zoneid = zoneid, .etypframe = etypframe, .fswitch = fswitch, .dmpswitch = dmpswitch,
+        .index = {.nindex = nindex, .indexic = indexic, .indexident = indexident, .indexval = indexval},
+        .tables = {.ids = entid, .fidglob = fidglob, .fid = fid, .op = op, .weight = weight}, .res = res};
+    *ierr = read_state(Family::current, *group, *ipass, r, iopt, ipar);
+}
+
+void VAK_READ_ENTITYRESULTS2(
+    const vak_id* group, const int32_t* parts, const void*,
+    char* etyp, int32_t* nent, char* etypvar, int32_t* ncoo,
+    char* etypzone, int32_t* zoneid, char* etypframe, int32_t* fswitch, int32_t* dmpswitch,
+    int32_t* nindex, int32_t* indexic, int32_t* indexident, float* indexval,
+    int32_t* entid, int32_t* fidglob, int32_t* fid, char* op, float* weight, float* res,
+    const int32_t* data_size, int32_t* iopt, int32_t* ipar,
+    const int32_t* mode, const int64_t* istart, const int64_t* icount, int32_t* ierr)
+{
+    const EntityResults r{
+        .etyp = etyp, .nent = nent, .etypvar = etypvar, .ncoo = ncoo,
+        .etypzone = etypzone, .zoneid = zoneid, .etypframe = etypframe, .fswitch = fswitch, .dmpswitch = dmpswitch,
+        .index = {.nindex = nindex, .indexic = indexic, .indexident = indexident, .indexval = indexval},
+        .tables = {.ids = entid, .fidglob = fidglob, .fid = fid, .op = op, .weight = weight}, .res = res};
+    const Values v{.data_size = *data_size, .mode = *mode, .istart = istart, .icount = icount};
+    *ierr = read_parts(Family::current, *group, *parts, r, v, iopt, ipar);
+}
+
+void VAK1_WRITE_ENTITYRESULTS(
+    const vak_id* file,
+    const char* etyp, const int32_t* nent, const char* etypvar, const int32_t* ncoo,
+    const char* etypzone, const int32_t* zoneid, const char* etypframe, const int32_t* fswitch, const int32_t* dmpswitch,
+    const int32_t* nindex, const int32_t* indexident, const float* indexval,
+    const int32_t* entid, const int32_t* fidglob, const int32_t* fid, const char* op, const float* weight, const float* res,
+    const int32_t* iset, const int32_t* istate,
+    const int32_t* iopt, const int32_t* ipar, const int32_t* ivsize, int32_t* ierr)
+{
+    const EntityResults r{
+        .etyp = etyp, .nent = nent, .etypvar = etypvar, .ncoo = ncoo,
+        .etypzone = etypzone, .zoneid = zoneid, .etypframe = etypframe, .fswitch = fswitch, .dmpswitch = dmpswitch,
+        .index = {.nindex = nindex, .indexic = {}, .indexident = indexident, .indexval = indexval},
+        .tables = {.ids = entid, .fidglob = fidglob, .fid = fid, .op = op, .weight = weight}, .res = res};
+    *ierr = write_state(Family::legacy, *file, r, *iset, *istate, storage_of(iopt, ipar), *ivsize);
+}
+
+void VAK1_WRITE_ENTITYRESULTS2(
+    const vak_id* gids, const int32_t* parts, const void*,
+    const char* etyp, const int32_t* nent, const char* etypvar, const int32_t* ncoo,
+    const char* etypzone, const int32_t* zoneid, const char* etypframe, const int32_t* fswitch, const int32_t* dmpswitch,
+    const int32_t* nindex, const int32_t* indexident, const float* indexval,
+    const int32_t* entid, const int32_t* fidglob, const int32_t* fid, const char* op, const float* weight, const float* res,
+    const int32_t* data_size, const int32_t* iopt, const int32_t* ipar, const int32_t* ivsize,
+    const int32_t* mode, const int64_t* istart, const int64_t* icount, int32_t* ierr)
+{
+    const EntityResults r{
+        .etyp = etyp, .nent = nent, .etypvar = etypvar, .ncoo = ncoo,
+        .etypzone = etypzone, .zoneid = zoneid, .etypframe = etypframe, .fswitch = fswitch, .dmpswitch = dmpswitch,
+        .index = {.nindex = nindex, .indexic = {}, .indexident = indexident, .indexval = indexval},
+        .tables = {.ids = entid, .fidglob = fidglob, .fid = fid, .op = op, .weight = weight}, .res = res};
+    const Values v{.data_size = *data_size, .mode = *mode, .istart = istart, .icount = icount};
+    *ierr = write_parts(Family::legacy, gids, *parts, r, storage_of(iopt, ipar), *ivsize, v);
+}
+
+void VAK1_READ_ENTITYRESULTS(
+    const vak_id* group, const int32_t* ipass,
+    char* etyp, int32_t* nent, char* etypvar, int32_t* ncoo,
+    char* etypzone, int32_t* zoneid, char* etypframe, int32_t* fswitch, int32_t* dmpswitch,
+    int32_t* nindex, int32_t* indexident, float* indexval,
+    int32_t* entid, int32_t* fidglob, int32_t* fid, char* op, float* weight, float* res,
+    int32_t* iopt, int32_t* ipar, int32_t* ierr)
+{
+    const EntityResults r{
+        .etyp = etyp, .nent = nent, .etypvar = etypvar, .ncoo = ncoo,
+        .etypzone = etypzone, .zoneid = zoneid, .etypframe = etypframe, .fswitch = fswitch, .dmpswitch = dmpswitch,
+        .index = {.nindex = nindex, .indexic = {}, .indexident = indexident, .indexval = indexval},
+        .tables = {.ids = entid, .fidglob = fidglob, .fid = fid, .op = op, .weight = weight}, .res = res};
+    *ierr = read_state(Family::legacy, *group, *ipass, r, iopt, ipar);
+}
+
+void VAK1_READ_ENTITYRESULTS2(
+    const vak_id* group, const int32_t* parts, const void*,
+    char* etyp, int32_t* nent, char* etypvar, int32_t* ncoo,
+    char* etypzone, int32_t* zoneid, char* etypframe, int32_t* fswitch, int32_t* dmpswitch,
+    int32_t* nindex, int32_t* indexident, float* indexval,
+    int32_t* entid, int32_t* fidglob, int32_t* fid, char* op, float* weight, float* res,
+    const int32_t* data_size, int32_t* iopt, int32_t* ipar,
+    const int32_t* mode, const int64_t* istart, const int64_t* icount, int32_t* ierr)
+{
+    const EntityResults r{
+        .etyp = etyp, .nent = nent, .etypvar = etypvar, .ncoo = ncoo,
+        .etypzone = etypzone, .zoneid = zoneid, .etypframe = etypframe, .fswitch = fswitch, .dmpswitch = dmpswitch,
+        .index = {.nindex = nindex, .indexic = {}, .indexident = indexident, .indexval = indexval},
+        .tables = {.ids = entid, .fidglob = fidglob, .fid = fid, .op = op, .weight = weight}, .res = res};
+    const Values v{.data_size = *data_size, .mode = *mode, .istart = istart, .icount = icount};
+    *ierr = read_parts(Family::legacy, *group, *parts, r, v, iopt, ipar);
+}
