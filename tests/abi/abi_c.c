@@ -1,12 +1,12 @@
-/* A program that knows the header and the shared library only. It is C99, and C++ as well, and is built in both
- * languages, in this tree and against an installed library. Usage: program FILE (which it makes). */
+/* A program that knows the header and the shared library only. It is C99, and C++ as well, and is built in
+ * both languages, in this tree and against an installed library. Usage: program FILE (which it makes). */
 #include <stdio.h>
 #include <string.h>
 #include <vak_sp.h>
 
 static int failures = 0;
 
-static void expect(int holds, const char *what)
+static void expect(int holds, const char* what)
 {
     if (!holds) {
         printf("not so: %s\n", what);
@@ -14,7 +14,7 @@ static void expect(int holds, const char *what)
     }
 }
 
-static vak_id open_file(const char *name, int32_t option)
+static vak_id open_file(const char* name, int32_t option)
 {
     const int32_t length = (int32_t)strlen(name), none = 0;
     vak_id group = -1;
@@ -31,7 +31,7 @@ static void close_file(vak_id group)
     expect(ierr == 0, "the file closes");
 }
 
-static void write_index(const char *name)
+static void write_index(const char* name)
 {
     const vak_id group = open_file(name, 8);
     const int32_t nindex = 2;
@@ -41,7 +41,7 @@ static void write_index(const char *name)
     close_file(group);
 }
 
-static void read_index(const char *name)
+static void read_index(const char* name)
 {
     const vak_id group = open_file(name, 10);
     const int32_t to_the_end = -1, open_directly = 1;
@@ -57,7 +57,7 @@ static void read_index(const char *name)
     close_file(group);
 }
 
-int main(int argc, char **argv)
+int main(int argc, char** argv)
 {
     if (argc != 2) return 2;
     remove(argv[1]);

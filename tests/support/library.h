@@ -1,8 +1,10 @@
 // The fixture of every test that calls an exported routine.
 //
-// A test in five lines:
+// A test in five lines, named for its topic:
 //
-//   TEST_F(LibraryTest, second_write_is_refused)
+//   using System = vak::test::LibraryTest;
+//
+//   TEST_F(System, second_write_is_refused)
 //   {
 //       int32_t ierr = 0;
 //       EXPECT_EQ(call([&] { VAK_WRITE_SYSTEM(&file, ..., &ierr); }), nothing_printed);
