@@ -1,1 +1,0 @@
-// Goes as soon as the first real source stands in the list.
