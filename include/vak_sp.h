@@ -64,9 +64,129 @@ typedef int64_t vak_id;
 
 /* ==== Files and groups ===================================================== */
 
+/* Opens or creates a file and hands back one group of it, the root of all that is written or read.
+ *
+ * filename    `filename_len` characters, up to a zero byte, less trailing blanks. With modes 1, 2, 9, 10 and 13 it
+ *             may be followed by the path of a group, "run1.h5/post/sub": the longest prefix that is a file
+ *             is opened, and the rest names the group handed back.
+ * groupname, domainname   (with their lengths, counted in the same way) mode 0 only: the group made at the
+ *             file's root and, when domain_flag is not 0, the group made in it.
+ * group_id    receives the group, which belongs to the caller; 0 when there is none. It is what keeps the file open:
+ *             the file closes with the last identifier of anything in it, at the latest by VAK_CLOSE.
+ * option      the mode in bits 0 to 3, plus 1024 for lines on standard output that tell what is done.
+ *
+ *   mode  the file                                            group handed back
+ *    0    created anew, with group, domain and link "post"    "post", the innermost of the groups made
+ *    1    opened for update                                   "post"
+ *    2    opened to read                                      "post"
+ *    8    created anew, empty                                 "." (the file's root)
+ *    9    opened for update                                   "."
+ *   10    opened to read                                      "."
+ *   13    created if absent, otherwise opened for update      "."
+ *
+ * Only regular files are opened or replaced, and none is replaced that a program has open, this one included.
+ *
+ * ierr: 0, or minus the number of errors met, each with its line on standard error; -9999 for any other mode (group_id
+ * is left as it was), -998 when HDF5 is not of the 1.14 series, -999 when it does not tell its version. After
+ * an error behind the opening of the file (a group that cannot be made or opened) the file stays open by an
+ * identifier that only H5Fget_obj_ids tells. */
+VAK_API void VAK_OPEN(
+    const char *filename, const int32_t *filename_len,
+    const char *groupname, const int32_t *groupname_len,
+    const char *domainname, const int32_t *domainname_len,
+    vak_id *group_id, const int32_t *domain_flag, const int32_t *option, int32_t *ierr);
+VAK_API void VAK1_OPEN(
+    const char *filename, const int32_t *filename_len,
+    const char *groupname, const int32_t *groupname_len,
+    const char *domainname, const int32_t *domainname_len,
+    vak_id *group_id, const int32_t *domain_flag, const int32_t *option, int32_t *ierr);
+
+/* Closes the whole file that `group_id` (any object of it) belongs to: flushes it, then closes every group, dataset,
+ * stored type and attribute that is open in it, whoever opened it, and the file.
+ * ierr: 0, or -1 when the identifier is not valid, when the file could not be flushed (what was written may not
+ * be on disk) or when a close failed; the others are closed all the same. Nothing is printed. */
+VAK_API void VAK_CLOSE(const vak_id *group_id, int32_t *ierr);
+VAK_API void VAK1_CLOSE(const vak_id *group_id, int32_t *ierr);
+
+/* Hands what was written so far to the operating system: scope 0 the whole file with all that is mounted or linked
+ * open in it, 1 the file alone, any other nothing. After scope 0 everything written before it survives the
+ * end of the process at any later call. ierr: always 0; a write that failed shows in VAK_CLOSE. */
+VAK_API void VAK_FLUSH(const vak_id *id, const int32_t *scope, int32_t *ierr);
+VAK_API void VAK1_FLUSH(const vak_id *id, const int32_t *scope, int32_t *ierr);
+
+/* Opens a group by its path, names joined by '/', from `loc_id`; "/..." starts at the file's root.
+ *
+ * name_len    length of `name`, or -1 when it ends with a zero byte. A name with a length counts up to a zero
+ *             byte, less trailing blanks.
+ * ioflag      0 creates what is missing and opens, 1 opens, 2 opens what is there at every level.
+ * group_id    receives the group, to be closed by the caller; -1 when ierr is negative.
+ *
+ * ierr: ioflag 0: the number of groups created; 1 and 2: 0, or -1 without a line when the path does not exist.
+ * With a line on standard error: -8 a group cannot be created, -10 (ioflag 0) or -20 (1, 2) what is there
+ * cannot be opened as a group, -30 unknown ioflag, -40 length 0 or below -1, -50 empty name. */
+VAK_API void VAK_H5GOPEN(
+    const vak_id *loc_id, const char *name, const int32_t *name_len, const int32_t *ioflag,
+    vak_id *group_id, int32_t *ierr);
+VAK_API void VAK1_H5GOPEN(
+    const vak_id *loc_id, const char *name, const int32_t *name_len, const int32_t *ioflag,
+    vak_id *group_id, int32_t *ierr);
+
+/* Closes one group. ierr: 0, or -1 when it failed. */
+VAK_API void VAK_H5GCLOSE(const vak_id *group_id, int32_t *ierr);
+VAK_API void VAK1_H5GCLOSE(const vak_id *group_id, int32_t *ierr);
+
 /* ==== Automatic paths ====================================================== */
 
+/* Opens the group of a block by what its place is made of. Block routines do this themselves; use it to open
+ * a block for reading, or to ask whether it is there. The path, from `loc_id`, is
+ *
+ *     prefix [/state] ... [/name] ... [index] [_set<set>] /vakblock
+ *
+ * with no "/vakblock" for VAK1_OPENAUTOPATH.
+ *
+ * name_flags  which names take part: bit 0 name1, ... bit 4 name5.
+ * ioflag      as for VAK_H5GOPEN.
+ * nstate      the prefix: -1 "multistate", 0 "constant", any other "singlestate".
+ * states      int32[nstate]; above 0 states and with `state` below 0: one level for each, the last one outermost.
+ * state       with nstate above 0, from 0 on: one level, "state" and 12 digits.
+ * name1 ...   fields of 256 characters; one that counts to nothing adds no level. Of those not selected nothing
+ *             is read, they may be null.
+ * index, set  from 0 on put behind the last name, "NODE3_set2"; below 0 left out.
+ *
+ * group_id and ierr: as from VAK_H5GOPEN; nothing else is printed. */
+VAK_API void VAK_OPENAUTOPATH(
+    const vak_id *loc_id, const int32_t *name_flags, const void *ignored, const int32_t *ioflag,
+    const int32_t *nstate, const int32_t *states, const int32_t *state,
+    const char *name1, const char *name2, const char *name3, const char *name4, const char *name5,
+    const int32_t *index, const int32_t *set,
+    vak_id *group_id, int32_t *ierr);
+VAK_API void VAK1_OPENAUTOPATH(
+    const vak_id *loc_id, const int32_t *name_flags, const void *ignored, const int32_t *ioflag,
+    const int32_t *nstate, const int32_t *states, const int32_t *state,
+    const char *name1, const char *name2, const char *name3, const char *name4, const char *name5,
+    const int32_t *index, const int32_t *set,
+    vak_id *group_id, int32_t *ierr);
+
 /* ==== Version, build, chunk size =========================================== */
+
+/* Tells versions as a blank-padded text of 256 characters: `which` 1 the build identifier, 2 "HDF5-1.14.5", 4
+ * "VAK-2.2.14", 6 both, any other all three. `verbose` above 0 prints them on standard output too.
+ * Result: the significant length of `text`. ierr: 0; -998 when HDF5 is not of the 1.14 series, -999 when it
+ * does not tell its version, with a line on standard error, `text` untouched and the result 0. */
+VAK_API int32_t VAK_GET_VERSION(char *text, const int32_t *which, const int32_t *verbose, int32_t *ierr);
+VAK_API int32_t VAK1_GET_VERSION(char *text, const int32_t *which, const int32_t *verbose, int32_t *ierr);
+
+/* Zero-terminated texts that belong to the library: how it was built, what it is, its source revision.
+ * VAK_get_module_info: kind 0 the description, 1 the version line, any other the build line. */
+VAK_API const char *VAK_get_build_info(void);
+VAK_API const char *VAK_get_module_description(void);
+VAK_API const char *VAK_get_module_info(int32_t kind);
+VAK_API const char *VAK_get_revision(void);
+
+/* The chunk extent of datasets created from now on, along their growing extents; 1 at first, one value for
+ * the whole process. Any value is kept; datasets take those below 1 as 1. Result: the value. */
+VAK_API int32_t VAK_GET_CHUNK_SIZE(int32_t *size);
+VAK_API int32_t VAK_SET_CHUNK_SIZE(const int32_t *size);
 
 /* ==== File header, key 1 in listings ======================================= */
 

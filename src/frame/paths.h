@@ -14,8 +14,8 @@ enum class Family { current, legacy };
 
 // What a block's place is made of. Empty names add no level; index and set below 0 are left out.
 struct BlockPath {
-    int32_t nstate = 0;                // -1 "multistate", 0 "constant", otherwise "singlestate"
-    const int32_t* states = nullptr;   // used when state < 0
+    int32_t nstate = 0;               // -1 "multistate", 0 "constant", otherwise "singlestate"
+    const int32_t* states = nullptr;  // used when state < 0
     int32_t state = -1;
     std::array<const char*, 5> names{};  // counted fields of at most 256 characters, or null
     int32_t index = -1;
@@ -25,6 +25,10 @@ struct BlockPath {
 // The significant characters of a counted field: up to its first zero byte, at most `length`,
 // less trailing characters that are not graphic (in ASCII, whatever the locale).
 std::string_view counted(const char* field, size_t length = 256);
+
+// A name or path that stands with its length: up to its first zero byte, less trailing blanks. Only blanks,
+// since the name of a file or group may end in any other character.
+std::string counted_name(const char* field, int32_t length);
 
 std::string path_text(Family family, const BlockPath& path);
 
