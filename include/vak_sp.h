@@ -462,9 +462,102 @@ VAK_API void VAK1_READ_ENTITYRESULTS2(
 
 /* ==== Dense matrix, keys 10000 and 10001 =================================== */
 
+/* A matrix of nrow rows and ncolumn columns, val[nrow][ncolumn] or, complex, val[nrow][ncolumn][2], of entity entid
+ * (below 0: none) of type etyp, of variable type etypvar.
+ * Place: <state>/densematrix/<etyp>/<etypvar><entid>.
+ * ivsize      form of the values; a new block takes its key from it
+ * mode        0 all values; 1 the slab of `counts` values at `starts`, an entry for each of the 2 extents (complex: 3);
+ *             2 the *counts points whose coordinates stand in `starts`, 2 (complex: 3) each
+ * A block that is there already keeps its attributes and index values and receives the values alone: this is how a
+ * matrix is completed piece by piece. ierr: 0; otherwise the storage layer's. */
+VAK_API void VAK_WRITE_DENSEMATRIX(
+    const vak_id *file,
+    const char *etyp, const int32_t *entid, const char *etypvar, const int32_t *nrow, const int32_t *ncolumn,
+    const int32_t *nindex, const int32_t *indexic, const int32_t *indexident, const float *indexval, const float *val,
+    const int32_t *state, const int32_t *flags, const int32_t *params, const int32_t *ivsize,
+    const int32_t *mode, const int64_t *counts, const int64_t *starts, int32_t *ierr);
+VAK_API void VAK1_WRITE_DENSEMATRIX(
+    const vak_id *file,
+    const char *etyp, const int32_t *entid, const char *etypvar, const int32_t *nrow, const int32_t *ncolumn,
+    const int32_t *nindex, const int32_t *indexic, const int32_t *indexident, const float *indexval, const float *val,
+    const int32_t *state, const int32_t *flags, const int32_t *params, const int32_t *ivsize,
+    const int32_t *mode, const int64_t *counts, const int64_t *starts, int32_t *ierr);
+
+/* Reads it. mode 0: attributes and index values; 1: attributes; 2: everything; 3: the slab of `counts` values at
+ * `starts`, 4: the *counts points at `starts`, both with the caller's nrow and ncolumn and nothing else. Modes 2, 3 and 4
+ * give the filters found. ierr: 0; -1 not a dense matrix, or no group; -3 another mode. */
+VAK_API void VAK_READ_DENSEMATRIX(
+    const vak_id *group, const int32_t *mode,
+    char *etyp, int32_t *entid, char *etypvar, int32_t *nrow, int32_t *ncolumn,
+    int32_t *nindex, int32_t *indexic, int32_t *indexident, float *indexval, float *val,
+    int32_t *flags, int32_t *params, const int64_t *counts, const int64_t *starts, int32_t *ierr);
+VAK_API void VAK1_READ_DENSEMATRIX(
+    const vak_id *group, const int32_t *mode,
+    char *etyp, int32_t *entid, char *etypvar, int32_t *nrow, int32_t *ncolumn,
+    int32_t *nindex, int32_t *indexic, int32_t *indexident, float *indexval, float *val,
+    int32_t *flags, int32_t *params, const int64_t *counts, const int64_t *starts, int32_t *ierr);
+
 /* ==== Triangular matrix, keys 10100 and 10101 ============================== */
 
+/* A symmetric matrix of order nsize as its packed triangle, val[nsize(nsize+1)/2] or, complex, with a last extent of 2,
+ * in the order in which the caller packs it; matrixtype is the caller's code, stored unchanged. etyp and entid are part of the
+ * place only: the reader leaves them untouched. Otherwise as for dense matrices, with 1 extent (complex: 2). */
+VAK_API void VAK_WRITE_TRIANGULARMATRIX(
+    const vak_id *file,
+    const char *etyp, const int32_t *entid, const char *etypvar, const int32_t *nsize, const int32_t *matrixtype,
+    const int32_t *nindex, const int32_t *indexic, const int32_t *indexident, const float *indexval, const float *val,
+    const int32_t *state, const int32_t *flags, const int32_t *params, const int32_t *ivsize,
+    const int32_t *mode, const int64_t *counts, const int64_t *starts, int32_t *ierr);
+VAK_API void VAK1_WRITE_TRIANGULARMATRIX(
+    const vak_id *file,
+    const char *etyp, const int32_t *entid, const char *etypvar, const int32_t *nsize, const int32_t *matrixtype,
+    const int32_t *nindex, const int32_t *indexic, const int32_t *indexident, const float *indexval, const float *val,
+    const int32_t *state, const int32_t *flags, const int32_t *params, const int32_t *ivsize,
+    const int32_t *mode, const int64_t *counts, const int64_t *starts, int32_t *ierr);
+VAK_API void VAK_READ_TRIANGULARMATRIX(
+    const vak_id *group, const int32_t *mode,
+    char *etyp, int32_t *entid, char *etypvar, int32_t *nsize, int32_t *matrixtype,
+    int32_t *nindex, int32_t *indexic, int32_t *indexident, float *indexval, float *val,
+    int32_t *flags, int32_t *params, const int64_t *counts, const int64_t *starts, int32_t *ierr);
+VAK_API void VAK1_READ_TRIANGULARMATRIX(
+    const vak_id *group, const int32_t *mode,
+    char *etyp, int32_t *entid, char *etypvar, int32_t *nsize, int32_t *matrixtype,
+    int32_t *nindex, int32_t *indexic, int32_t *indexident, float *indexval, float *val,
+    int32_t *flags, int32_t *params, const int64_t *counts, const int64_t *starts, int32_t *ierr);
+
 /* ==== Sparse matrix, keys 10200 and 10201 ================================== */
+
+/* A matrix of nrow rows in compressed-row form: colind[nnz] column indices and val[nnz] values (complex: val[nnz][2]) of
+ * its nnz entries, row after row; rowptr[nrow+1] the position of each row's first entry, and the end. Indices count
+ * from what the caller likes; they are stored unchanged. etyp and entid are part of the place only: the
+ * reader leaves them untouched. colind and rowptr are written with a new block, and read by mode 2 alone. Otherwise
+ * as for dense matrices, with 1 extent (complex: 2). With nnz 0 there is no "colind" and no "val". */
+VAK_API void VAK_WRITE_SPARSEMATRIX(
+    const vak_id *file,
+    const char *etyp, const int32_t *entid, const char *etypvar, const int32_t *nrow, const int64_t *nnz,
+    const int32_t *nindex, const int32_t *indexic, const int32_t *indexident, const float *indexval,
+    const int32_t *colind, const int64_t *rowptr, const float *val,
+    const int32_t *state, const int32_t *flags, const int32_t *params, const int32_t *ivsize,
+    const int32_t *mode, const int64_t *counts, const int64_t *starts, int32_t *ierr);
+VAK_API void VAK1_WRITE_SPARSEMATRIX(
+    const vak_id *file,
+    const char *etyp, const int32_t *entid, const char *etypvar, const int32_t *nrow, const int64_t *nnz,
+    const int32_t *nindex, const int32_t *indexic, const int32_t *indexident, const float *indexval,
+    const int32_t *colind, const int64_t *rowptr, const float *val,
+    const int32_t *state, const int32_t *flags, const int32_t *params, const int32_t *ivsize,
+    const int32_t *mode, const int64_t *counts, const int64_t *starts, int32_t *ierr);
+VAK_API void VAK_READ_SPARSEMATRIX(
+    const vak_id *group, const int32_t *mode,
+    char *etyp, int32_t *entid, char *etypvar, int32_t *nrow, int64_t *nnz,
+    int32_t *nindex, int32_t *indexic, int32_t *indexident, float *indexval,
+    int32_t *colind, int64_t *rowptr, float *val,
+    int32_t *flags, int32_t *params, const int64_t *counts, const int64_t *starts, int32_t *ierr);
+VAK_API void VAK1_READ_SPARSEMATRIX(
+    const vak_id *group, const int32_t *mode,
+    char *etyp, int32_t *entid, char *etypvar, int32_t *nrow, int64_t *nnz,
+    int32_t *nindex, int32_t *indexic, int32_t *indexident, float *indexval,
+    int32_t *colind, int64_t *rowptr, float *val,
+    int32_t *flags, int32_t *params, const int64_t *counts, const int64_t *starts, int32_t *ierr);
 
 /* ==== Block catalogue ====================================================== */
 
