@@ -565,6 +565,30 @@ VAK_API void VAK1_READ_SPARSEMATRIX(
 
 /* ==== File tools =========================================================== */
 
+/* External links: for every link of the nsource groups source_ids[nsource], except "post", an external link of the same
+ * name in the group dest; with bit 1 of `option` in its group `subgroup` (256 characters), made if missing. Nothing is
+ * copied; the links name the source files as they were opened. Prints a banner and a closing line on standard
+ * output, with verbose > 0 a line for each link. A link that cannot be made (its name is taken) gives a line on standard
+ * error and does not stop the others.
+ * ierr: 0; with a subgroup the status of VAK_H5GOPEN for it: the number of groups made, or negative. */
+VAK_API void VAK_CREATE_EXTLINKS(
+    const vak_id *source_ids, const vak_id *dest, const int32_t *nsource, const char *subgroup,
+    const int32_t *option, const int32_t *verbose, int32_t *ierr);
+VAK_API void VAK1_CREATE_EXTLINKS(
+    const vak_id *source_ids, const vak_id *dest, const int32_t *nsource, const char *subgroup,
+    const int32_t *option, const int32_t *verbose, int32_t *ierr);
+
+/* Compression parameter file: lines of a variable name and a decimal exponent; "$" and "#" begin comments, other lines are
+ * passed over. `filename` ends with a zero byte.
+ * pass 0   count = number of entries
+ * pass 1   count: in, the slots of `names` (256 characters each); out, the entries stored. Every entry of the file is
+ *          stored: size the arrays for the file as it is. A longer name runs on into the next slot, if it is one of these.
+ * verbosity > 0 prints the table on standard output, its head in pass 0 and its rows in pass 1.
+ * ierr: 0; -1 the file cannot be opened. */
+VAK_API void VAK_READ_PARAM(
+    const char *filename, const void *ignored, const int32_t *pass,
+    int32_t *count, char *names, int32_t *exponents, const int32_t *verbosity, int32_t *ierr);
+
 #ifdef __cplusplus
 }
 #endif
