@@ -2,6 +2,7 @@
 // Each routine prints its own one line of diagnosis and returns 0 or its negative code.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 
@@ -29,17 +30,25 @@ constexpr int32_t whole_dataset = 0;
 constexpr int32_t hyperslab = 1;
 constexpr int32_t point_list = 2;
 
-// HDF5 types and spaces that the fields of one exported call have in common: made on first use,
-// closed with the call. Nothing of it outlives a call, since the library keeps no state.
+// HDF5 types, spaces and property lists that the fields of one exported call have in common: made on
+// first use, closed with the call. Nothing of it outlives a call, since the library keeps no state.
 class SharedIds {
 public:
     hid_t scalar();           // the scalar data space
-    hid_t text(size_t size);  // blank-padded characters of that length; the last length is kept
+    hid_t text(size_t size);  // blank-padded characters of that length; the last two lengths are kept
+    hid_t compact();          // creation list of datasets kept in their object header
+    hid_t uncached();         // access list of datasets without a chunk cache
 
 private:
+    struct Text {
+        Type type;
+        size_t size = 0;
+    };
     Space scalar_;
-    Type text_;
-    size_t text_size_ = 0;
+    std::array<Text, 2> texts_;
+    size_t newest_ = 0;
+    Properties compact_;
+    Properties uncached_;
 };
 
 // The object that a field belongs to (in practice a block's group), and what the call knows of it.

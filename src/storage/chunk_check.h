@@ -1,0 +1,13 @@
+// Guard against chunks that were crafted to inflate without bound.
+#pragma once
+
+#include "storage/dataset_layout.h"
+
+namespace vak {
+
+// Whether no chunk that the part touches is stored larger than its filters can have made it. HDF5 gives a
+// chunk as much memory as it inflates to, however small the dataset.
+bool chunks_are_plausible(hid_t dataset, const FoundLayout& found, const Part& part,
+                          std::span<const hsize_t> extents, size_t element_size);
+
+}  // namespace vak

@@ -1,0 +1,48 @@
+// One call of VAK_H5Dwrite, as its steps see it.
+#pragma once
+
+#include "storage/dataset_layout.h"
+
+namespace vak {
+
+struct DatasetWrite {
+    const char* name;
+    const void* data;
+    int32_t type;
+    size_t data_size;
+    size_t vak_size;
+    std::span<hsize_t> dims;  // the caller's: unlimited entries become the new extents
+    hsize_t* start;           // the caller's: shifted behind the present end along unlimited dimensions
+    Part part;
+    int32_t mode;  // as given
+    const Location& location;
+    uint32_t flags;
+    const uint32_t* params;
+    SharedIds& ids;
+
+    int32_t type_class = 0;
+    hid_t memory_type = H5I_INVALID_HID;
+    Extents maximum{};  // dims as given, unlimited entries kept
+
+    bool unlimited(size_t i) const { return maximum[i] == H5S_UNLIMITED; }
+    bool extendible() const { return has_entry({maximum.data(), dims.size()}, H5S_UNLIMITED); }
+};
+
+// The dataset that is written to.
+struct Target {
+    Dataset dataset;
+    Space space;      // with the extents that it has when the values are written
+    Type found_type;  // of an existing one; of texts in memory, too
+};
+
+// Prints the line of that number and gives the code that belongs to it.
+int32_t fail(const DatasetWrite& w, int32_t number, int64_t error, int32_t code);
+
+// Finds where the part goes in a dataset of these extents (0 along unlimited dimensions of a new one), and
+// the extents that it needs.
+int32_t place(DatasetWrite& w, const Extents& present);
+
+// Makes the dataset, with nothing in it yet.
+int32_t create_dataset(DatasetWrite& w, Target& target);
+
+}  // namespace vak
