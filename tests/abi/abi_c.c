@@ -53,7 +53,7 @@ static void read_index(const char* name)
     VAK_READ_INDEX(&block, NULL, &nindex, etypvar, NULL, NULL, &ierr);
     expect(ierr == 0, "the index block is read");
     expect(nindex == 2, "the number of indices comes back");
-    expect(strncmp(etypvar, "TIME    ", 8) == 0, "the type comes back, filled with blanks");
+    expect(strcmp(etypvar, "TIME") == 0, "the type comes back");
     close_file(group);
 }
 
