@@ -40,7 +40,7 @@ int64_t dataset(Block& io, const Field& f, Shape shape, Transfer part)
 {
     if (io.stopped) return 0;
     hsize_t* const dims = shape.extents();
-    const bool empty = shape.empty();
+    const bool empty = shape.empty() || part.empty();
     if (!reading(io)) {
         take(io, VAK_H5Dwrite(f.name, f.values, f.type, f.memory_size, f.stored_size, dims, shape.rank(),
                               part.count.data(), part.start.data(), part.mode, place(io), f.flags,
@@ -195,9 +195,28 @@ void stop(Block& io, int32_t status)
     io.stopped = true;
 }
 
+int32_t writing_failed(int32_t key, hid_t status)
+{
+    std::fprintf(stderr, "VAK ERROR writing block key %d\n", key);
+    return static_cast<int32_t>(std::max<hid_t>(status, std::numeric_limits<int32_t>::min()));
+}
+
+void fail_writing(Block& io, hid_t status) { stop(io, writing_failed(io.key, status)); }
+
+bool known_mode(int32_t mode) { return mode >= whole_dataset && mode <= point_list; }
+
+void refuse_mode(Block& io)
+{
+    if (reading(io))
+        std::fprintf(stderr, "VAK ERROR reading block key %d - invalid mode\n", io.key);
+    else
+        std::fprintf(stderr, "VAK ERROR writing block key %d - invalid mode\n", io.key);
+    stop(io, -999);
+}
+
 void enter(Block& io, const char* section)
 {
-    if (io.stopped || current(io)) return;
+    if (io.stopped || current(io) || io.section_name == section) return;
     Group opened;
     bool made = false;
     if (reading(io) || !io.is_new) opened = Group(H5Gopen2(io.group, section, H5P_DEFAULT));
@@ -207,13 +226,13 @@ void enter(Block& io, const char* section)
     }
     if (opened.valid()) {
         io.section = std::move(opened);
+        io.section_name = section;
         io.section_is_new = made;
     } else if (reading(io)) {
         std::fprintf(stderr, "VAK ERROR - %s not found\n", section);
         stop(io, -1);
     } else {
-        std::fprintf(stderr, "VAK ERROR writing block key %d\n", io.key);
-        stop(io, static_cast<int32_t>(opened.get()));
+        fail_writing(io, opened.get());
     }
 }
 
@@ -299,8 +318,7 @@ int32_t end_writing(Block& io, Group&& group)
 {
     const bool closed = io.section.close() && group.close();
     if (closed || io.status != 0) return io.status;
-    std::fprintf(stderr, "VAK ERROR writing block key %d\n", io.key);
-    return -1;
+    return writing_failed(io.key, -1);
 }
 
 }  // namespace vak

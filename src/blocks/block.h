@@ -6,10 +6,12 @@
 // them to verbs, which are then idle, and compute with them only through `total`.
 #pragma once
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <initializer_list>
 #include <limits>
+#include <string_view>
 #include <vector>
 
 #include "frame/exported.h"
@@ -94,6 +96,8 @@ private:
 struct Transfer {
     int32_t mode = whole_dataset;
     std::vector<hsize_t> count, start;
+
+    bool empty() const { return std::find(count.begin(), count.end(), hsize_t{0}) != count.end(); }
 };
 
 Transfer whole();
@@ -113,6 +117,7 @@ struct Block {
     FoundStorage found;      // on reading
     int32_t key = 0;         // written: the variant's; read: as found
     Group section{};         // legacy: the subgroup in use
+    std::string_view section_name;
     bool section_is_new = false;
     SharedIds shared;
     int32_t status = 0;      // of the last step taken
@@ -179,6 +184,14 @@ void check_pass(Block&, int32_t pass, std::initializer_list<int32_t> known);
 
 // A failure of the block's own: gives `status` and stops.
 void stop(Block&, int32_t status);
+
+// The same where a block cannot be written: prints the line. The status may be an invalid identifier.
+void fail_writing(Block&, hid_t status);
+int32_t writing_failed(int32_t key, hid_t status);  // without a block
+
+// Which part of an array a caller may ask for: modes 0, 1 and 2; another one is -999, with its line.
+bool known_mode(int32_t mode);
+void refuse_mode(Block&);
 
 // Delivers the filters found, when every step went well and a dataset was read.
 void report_storage(const Block&, Arg<int32_t> flags, Arg<int32_t> params);

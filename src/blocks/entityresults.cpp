@@ -104,8 +104,6 @@ void values(Block& io, const EntityResults& r, const Values& v)
     real_part(io, res, shape, std::move(part));
 }
 
-bool known_mode(int32_t mode) { return mode >= whole_dataset && mode <= point_list; }
-
 void write_fields(Block& io, int32_t parts, hid_t shared, const EntityResults& r, const Values& v)
 {
     if (parts & what::attributes) {
@@ -123,8 +121,7 @@ void write_fields(Block& io, int32_t parts, hid_t shared, const EntityResults& r
     }
     if (io.stopped || !(parts & what::values)) return;
     if (known_mode(v.mode)) return values(io, r, v);
-    std::fprintf(stderr, "VAK ERROR writing block key %d - invalid mode\n", io.key);
-    stop(io, -999);
+    refuse_mode(io);
 }
 
 Block writing(Family family, hid_t group, StorageOptions storage, int32_t ivsize)

@@ -1,7 +1,5 @@
 #include "blocks/fields.h"
 
-#include <cstdio>
-
 namespace vak {
 
 void index_counts(Block& io, const Index& x)
@@ -43,11 +41,7 @@ bool fits_count(int64_t total)
     return total <= std::numeric_limits<int32_t>::max();
 }
 
-int32_t refuse_total(const BlockKind& kind)
-{
-    std::fprintf(stderr, "VAK ERROR writing block key %d\n", kind.key);
-    return -3;
-}
+int32_t refuse_total(const BlockKind& kind) { return writing_failed(kind.key, -3); }
 
 ValueForm value_form(int32_t ivsize)
 {
