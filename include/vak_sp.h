@@ -350,7 +350,74 @@ VAK_API void VAK1_READ_VARIABLES(
 
 /* ==== Text block, key 40 =================================================== */
 
+/* A named text of nlines lines of `length` characters each, at <prefix>/text/<name> below `file`; nindex and state place
+ * it under "constant" or its state. line: nlines fields of `length` characters, stored as they are; with a length of 0 or
+ * less there are none. ierr: 0; -1 such a text is there already; otherwise the storage layer's. */
+VAK_API void VAK_WRITE_TEXT(
+    const vak_id *file, const char *name,
+    const int32_t *nlines, const int32_t *length,
+    const int32_t *nindex, const int32_t *indexic, const int32_t *indexident, const float *indexval,
+    const char *line,
+    const int32_t *state, const int32_t *flags, const int32_t *params, const int32_t *float_size, int32_t *ierr);
+
+/* Reads it. mode 1: the counts; 2: index values (when nindex > 0) and lines, with the filters found; 3: both, into arrays
+ * that are large enough. The counts that mode 2 goes by are those in the caller's variables.
+ * ierr: 0; -1 not a text, or no group; otherwise the storage layer's. */
+VAK_API void VAK_READ_TEXT(
+    const vak_id *group, const int32_t *mode, const void *ignored,
+    int32_t *nlines, int32_t *length,
+    int32_t *nindex, int32_t *indexic, int32_t *indexident, float *indexval,
+    char *line,
+    int32_t *flags, int32_t *params, int32_t *ierr);
+
+/* Legacy: at constant/text/<etyptext>, without index. Reading: ipass 1 etyptext and the counts, 2 everything;
+ * another one is -3. */
+VAK_API void VAK1_WRITE_TEXT(
+    const vak_id *file, const char *etyptext,
+    const int32_t *nlines, const int32_t *length,
+    const char *line,
+    const int32_t *flags, const int32_t *params, int32_t *ierr);
+VAK_API void VAK1_READ_TEXT(
+    const vak_id *group, const int32_t *ipass,
+    char *etyptext, int32_t *nlines, int32_t *length,
+    char *line,
+    int32_t *flags, int32_t *params, int32_t *ierr);
+
 /* ==== Parts block, key 100 ================================================= */
+
+/* The npart parts of one part entity type, at <prefix>/parts/<etyppart> below `file`.
+ * off         sum of the columns that are left out: 1 mid, 2 mtyp, 4 pcol; their arguments are not looked at
+ * length      characters of a title, 0 for no titles
+ * pid, title, mid, mtyp, pcol   identifier, title, material identifier, material type and colour of each part
+ * ierr: 0; -1 such a block is there already; otherwise the storage layer's. */
+VAK_API void VAK_WRITE_PARTS(
+    const vak_id *file, const char *etyppart,
+    const int32_t *npart, const int32_t *off, const int32_t *length,
+    const int32_t *nindex, const int32_t *indexic, const int32_t *indexident, const float *indexval,
+    const int32_t *pid, const char *title, const int32_t *mid, const int32_t *mtyp, const int32_t *pcol,
+    const int32_t *state, const int32_t *flags, const int32_t *params, const int32_t *float_size, int32_t *ierr);
+VAK_API void VAK1_WRITE_PARTS(
+    const vak_id *file, const char *etyppart,
+    const int32_t *npart, const int32_t *off, const int32_t *length,
+    const int32_t *nindex, const int32_t *indexic, const int32_t *indexident, const float *indexval,
+    const int32_t *pid, const char *title, const int32_t *mid, const int32_t *mtyp, const int32_t *pcol,
+    const int32_t *state, const int32_t *flags, const int32_t *params, const int32_t *float_size, int32_t *ierr);
+
+/* Reads it. mode 1: the attributes; 2: index values (when nindex > 0) and the columns that length and off call for, with
+ * the filters found; 3: both. ierr: 0; -1 not a parts block, or no group; otherwise the storage layer's.
+ * Legacy: ipass 1 the attributes, 0 these and the index values, 2 or 3 everything; another one is -3. */
+VAK_API void VAK_READ_PARTS(
+    const vak_id *group, const int32_t *mode,
+    char *etyppart, int32_t *npart, int32_t *off, int32_t *length,
+    int32_t *nindex, int32_t *indexic, int32_t *indexident, float *indexval,
+    int32_t *pid, char *title, int32_t *mid, int32_t *mtyp, int32_t *pcol,
+    int32_t *flags, int32_t *params, int32_t *ierr);
+VAK_API void VAK1_READ_PARTS(
+    const vak_id *group, const int32_t *ipass,
+    char *etyppart, int32_t *npart, int32_t *off, int32_t *length,
+    int32_t *nindex, int32_t *indexic, int32_t *indexident, float *indexval,
+    int32_t *pid, char *title, int32_t *mid, int32_t *mtyp, int32_t *pcol,
+    int32_t *flags, int32_t *params, int32_t *ierr);
 
 /* ==== Attributes, key 200; identifiers, key 250 ============================ */
 
