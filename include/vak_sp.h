@@ -421,7 +421,111 @@ VAK_API void VAK1_READ_PARTS(
 
 /* ==== Attributes, key 200; identifiers, key 250 ============================ */
 
+/* What each of nent entities of one type is called, at <prefix>/attributes/<etyp> or <prefix>/identifiers/<etyp>.
+ * entid[nent]         identifiers
+ * title               titles of `length` characters each; none with a length of 0
+ * uid[nent][nuid]     further identifiers; none with nuid 0
+ * ierr: 0; -1 such a block is there already; otherwise the storage layer's. */
+VAK_API void VAK_WRITE_ATTRIBUTES(
+    const vak_id *file, const char *etyp,
+    const int32_t *nent, const int32_t *nuid, const int32_t *length,
+    const int32_t *nindex, const int32_t *indexic, const int32_t *indexident, const float *indexval,
+    const int32_t *entid, const char *title, const int32_t *uid,
+    const int32_t *state, const int32_t *flags, const int32_t *params, const int32_t *real_size, int32_t *ierr);
+VAK_API void VAK_WRITE_IDENTIFIERS(
+    const vak_id *file, const char *etyp,
+    const int32_t *nent, const int32_t *nuid, const int32_t *length,
+    const int32_t *nindex, const int32_t *indexic, const int32_t *indexident, const float *indexval,
+    const int32_t *entid, const char *title, const int32_t *uid,
+    const int32_t *state, const int32_t *flags, const int32_t *params, const int32_t *real_size, int32_t *ierr);
+
+/* Reads it. mode is a sum: 1 the attributes; 2 the index values, when nindex > 0; 8 entid, title and uid, with the filters
+ * found. The counts that 2 and 8 go by are those in the caller's variables, so that arrays are
+ * allocated after a call with 1. ierr: 0; the key (200, 250) when the mode reads nothing; -1 another kind
+ * of block, or no group; otherwise the storage layer's. */
+VAK_API void VAK_READ_ATTRIBUTES(
+    const vak_id *group, const int32_t *mode,
+    char *etyp, int32_t *nent, int32_t *nuid, int32_t *length,
+    int32_t *nindex, int32_t *indexic, int32_t *indexident, float *indexval,
+    int32_t *entid, char *title, int32_t *uid,
+    int32_t *flags, int32_t *params, int32_t *ierr);
+VAK_API void VAK_READ_IDENTIFIERS(
+    const vak_id *group, const int32_t *mode,
+    char *etyp, int32_t *nent, int32_t *nuid, int32_t *length,
+    int32_t *nindex, int32_t *indexic, int32_t *indexident, float *indexval,
+    int32_t *entid, char *title, int32_t *uid,
+    int32_t *flags, int32_t *params, int32_t *ierr);
+
+/* Legacy: attributes only, with titles of 256 characters. Reading: ipass 1 the attributes, 0 these and the index values,
+ * 2 everything; another one is -3. Pass 2 delivers the counts anew: the arrays must have room for what is stored. */
+VAK_API void VAK1_WRITE_ATTRIBUTES(
+    const vak_id *file, const char *etyp,
+    const int32_t *nent, const int32_t *nuid,
+    const int32_t *nindex, const int32_t *indexident, const float *indexval,
+    const int32_t *entid, const char *title, const int32_t *uid,
+    const int32_t *state, const int32_t *flags, const int32_t *params, const int32_t *real_size, int32_t *ierr);
+VAK_API void VAK1_READ_ATTRIBUTES(
+    const vak_id *group, const int32_t *ipass,
+    char *etyp, int32_t *nent, int32_t *nuid,
+    int32_t *nindex, int32_t *indexident, float *indexval,
+    int32_t *entid, char *title, int32_t *uid,
+    int32_t *flags, int32_t *params, int32_t *ierr);
+
 /* ==== Connectivities, key 300 ============================================== */
+
+/* The nele elements of one element type, at <prefix>/connectivities/<etypelem> below `file`.
+ * etyp, etypelem, etyppart, etypnode   types of the block's entities, of the elements, of the parts in pid, of the nodes in ic
+ * idele[nele], pid[nele]   identifier and part identifier of each element; ndim its spatial dimension
+ * ic[nele][npele]          node identifiers
+ * iparam[nele][nbint], fparam[nele][nbfloat]   integer and real parameters; etypvar names the real ones
+ *                          and counts only with nbfloat > 0
+ * ierr: 0; -1 such a block is there already; otherwise the storage layer's. */
+VAK_API void VAK_WRITE_CONNECTIVITIES(
+    const vak_id *file,
+    const char *etyp, const char *etypelem, const char *etyppart, const char *etypnode, const char *etypvar,
+    const int32_t *nele, const int32_t *npele, const int32_t *ndim, const int32_t *nbint, const int32_t *nbfloat,
+    const int32_t *nindex, const int32_t *indexic, const int32_t *indexident, const float *indexval,
+    const int32_t *idele, const int32_t *pid, const int32_t *ic, const int32_t *iparam, const float *fparam,
+    const int32_t *state, const int32_t *flags, const int32_t *params, const int32_t *real_size, int32_t *ierr);
+
+/* Reads it. mode is a sum: 1 the attributes (etypvar stays as it is with nbfloat 0); 2 the index values, when nindex > 0;
+ * 4 idele and pid; 8 ic, iparam and fparam, with the filters found. The counts that 2, 4 and 8 go by are
+ * those in the caller's variables. ierr: 0; the key, 300, when the mode reads nothing; -1 another kind of
+ * block, or no group; otherwise the storage layer's. */
+VAK_API void VAK_READ_CONNECTIVITIES(
+    const vak_id *group, const int32_t *mode,
+    char *etyp, char *etypelem, char *etyppart, char *etypnode, char *etypvar,
+    int32_t *nele, int32_t *npele, int32_t *ndim, int32_t *nbint, int32_t *nbfloat,
+    int32_t *nindex, int32_t *indexic, int32_t *indexident, float *indexval,
+    int32_t *idele, int32_t *pid, int32_t *ic, int32_t *iparam, float *fparam,
+    int32_t *flags, int32_t *params, int32_t *ierr);
+
+/* Legacy: in place of etypvar the unit of each real parameter: mbunit[nbfloat] numbers of base units and mdunit[nbfloat]
+ * of derived ones; identifiers ubid and exponents ubexp of the base units, parameter after parameter (sum of
+ * mbunit entries), udid and udexp likewise (sum of mdunit). Reading: ipass 1 the attributes, 0 these and
+ * the index values, 2 everything; another one is -3. The sums are known from mbunit and mdunit only: read these first
+ * with null pointers in place of the other arrays. Pass 2 delivers the counts anew: the arrays must have room for what
+ * is stored. */
+VAK_API void VAK1_WRITE_CONNECTIVITIES(
+    const vak_id *file,
+    const char *etypelem, const char *etyppart, const char *etypnode,
+    const int32_t *nele, const int32_t *npele, const int32_t *ndim, const int32_t *nbint, const int32_t *nbfloat,
+    const int32_t *nindex, const int32_t *indexident, const float *indexval,
+    const int32_t *idele, const int32_t *pid, const int32_t *ic,
+    const int32_t *mbunit, const int32_t *mdunit,
+    const int32_t *ubid, const float *ubexp, const int32_t *udid, const float *udexp,
+    const int32_t *iparam, const float *fparam,
+    const int32_t *state, const int32_t *flags, const int32_t *params, const int32_t *real_size, int32_t *ierr);
+VAK_API void VAK1_READ_CONNECTIVITIES(
+    const vak_id *group, const int32_t *ipass,
+    char *etypelem, char *etyppart, char *etypnode,
+    int32_t *nele, int32_t *npele, int32_t *ndim, int32_t *nbint, int32_t *nbfloat,
+    int32_t *nindex, int32_t *indexident, float *indexval,
+    int32_t *idele, int32_t *pid, int32_t *ic,
+    int32_t *mbunit, int32_t *mdunit,
+    int32_t *ubid, float *ubexp, int32_t *udid, float *udexp,
+    int32_t *iparam, float *fparam,
+    int32_t *flags, int32_t *params, int32_t *ierr);
 
 /* ==== Collector, key 400 =================================================== */
 
