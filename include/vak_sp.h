@@ -529,7 +529,77 @@ VAK_API void VAK1_READ_CONNECTIVITIES(
 
 /* ==== Collector, key 400 =================================================== */
 
+/* ncoll sets of entities of ntyp types, at <prefix>/collector/<etypcoll> below `file`.
+ * idcoll[ncoll]       identifiers of the sets
+ * etyp                ntyp names of entity types, 256 characters each
+ * nent[ncoll][ntyp]   numbers of entities of each type in each set
+ * entid               their identifiers, one list after the other in the order of nent (nenttot entries, the sum of nent)
+ * ierr: 0; -1 such a block is there already; -3 a sum above 2^31-1 or a negative number of entities
+ * (nothing is written); otherwise the storage layer's. */
+VAK_API void VAK_WRITE_COLLECTOR(
+    const vak_id *file, const char *etypcoll,
+    const int32_t *ncoll, const int32_t *ntyp,
+    const int32_t *nindex, const int32_t *indexic, const int32_t *indexident, const float *indexval,
+    const int32_t *idcoll, const char *etyp, const int32_t *nent, const int32_t *entid,
+    const int32_t *state, const int32_t *flags, const int32_t *params, const int32_t *real_size, int32_t *ierr);
+VAK_API void VAK1_WRITE_COLLECTOR(
+    const vak_id *file, const char *etypcoll,
+    const int32_t *ncoll, const int32_t *ntyp,
+    const int32_t *nindex, const int32_t *indexident, const float *indexval,
+    const int32_t *idcoll, const char *etyp, const int32_t *nent, const int32_t *entid,
+    const int32_t *state, const int32_t *flags, const int32_t *params, const int32_t *real_size, int32_t *ierr);
+
+/* Reads it; nenttot stands before etypcoll here. ipass 1: the attributes; 0: these and the index values, when nindex > 0;
+ * 2: everything, with the filters found. Every pass delivers the counts anew: the arrays must have room for
+ * what is stored. ierr: 0; -1 not a collector, or no group; -3 another ipass; otherwise the storage layer's. */
+VAK_API void VAK_READ_COLLECTOR(
+    const vak_id *group, const int32_t *ipass,
+    int32_t *nenttot, char *etypcoll, int32_t *ncoll, int32_t *ntyp,
+    int32_t *nindex, int32_t *indexic, int32_t *indexident, float *indexval,
+    int32_t *idcoll, char *etyp, int32_t *nent, int32_t *entid,
+    int32_t *flags, int32_t *params, int32_t *ierr);
+VAK_API void VAK1_READ_COLLECTOR(
+    const vak_id *group, const int32_t *ipass,
+    int32_t *nenttot, char *etypcoll, int32_t *ncoll, int32_t *ntyp,
+    int32_t *nindex, int32_t *indexident, float *indexval,
+    int32_t *idcoll, char *etyp, int32_t *nent, int32_t *entid,
+    int32_t *flags, int32_t *params, int32_t *ierr);
+
 /* ==== Properties, key 500 ================================================== */
+
+/* Tables of parameters of nent entities of one type in one zone, written into a group that the caller has opened
+ * (VAK_OPENAUTOPATH, VAK_H5GOPEN); what is there already is written over.
+ * groups      two identifiers: the block's group, and the group of shared identifiers (looked at with mode 16 only)
+ * mode        a sum: 1 the attributes; 2 the index values; 4 entid; 8 the tables; 16 (with 4) entid stands once in the
+ *             shared group, written by the first block that shares it, and the block gets a hard link to it
+ * idparam[nent][nbid], iparam[nent][nbint], fparam[nent][nbfloat]   identifiers, integers, reals of each entity
+ * cparam[nent][nbstring]   texts of `length` characters; none with a length of 0. A table without columns is left out.
+ * row_mode    0 whole tables; 1 row_count rows from row row_list[0] on; 2 the row_count rows listed in row_list, in that
+ *             order. Rows count from 0, and the arrays hold those rows only. A table begun by rows has all its nent rows.
+ *             A row_count of 0 does nothing.
+ * ierr: 0; the identifier of the block's group when that is negative; -3 no link to the shared identifiers could be made;
+ * -999 another row_mode; otherwise the storage layer's (-6031, -6032: a row that is not there). */
+VAK_API void VAK_WRITE_PROPERTIES(
+    const vak_id *groups, const int32_t *mode,
+    const char *etyp, const char *etypprop, const char *etypzone, const int32_t *zoneid,
+    const int32_t *nent, const int32_t *nbid, const int32_t *nbint, const int32_t *nbfloat, const int32_t *nbstring,
+    const int32_t *length,
+    const int32_t *nindex, const int32_t *indexic, const int32_t *indexident, const float *indexval,
+    const int32_t *entid, const int32_t *idparam, const int32_t *iparam, const float *fparam, const char *cparam,
+    const int32_t *flags, const int32_t *params, const int32_t *real_size,
+    const int32_t *row_mode, const int64_t *row_count, const int64_t *row_list, int32_t *ierr);
+
+/* Reads it, with the same modes (16 aside) and row modes; the counts that 2, 4 and 8 go by are those in the caller's
+ * variables. The filters found are given with 8. ierr: 0; the key, 500, when the mode reads nothing; -1 another
+ * kind of block, or no group; -999 another row_mode; otherwise the storage layer's. */
+VAK_API void VAK_READ_PROPERTIES(
+    const vak_id *group, const int32_t *mode,
+    char *etyp, char *etypprop, char *etypzone, int32_t *zoneid,
+    int32_t *nent, int32_t *nbid, int32_t *nbint, int32_t *nbfloat, int32_t *nbstring, int32_t *length,
+    int32_t *nindex, int32_t *indexic, int32_t *indexident, float *indexval,
+    int32_t *entid, int32_t *idparam, int32_t *iparam, float *fparam, char *cparam,
+    int32_t *flags, int32_t *params,
+    const int32_t *row_mode, const int64_t *row_count, const int64_t *row_list, int32_t *ierr);
 
 /* ==== Entity results, keys 1000 and 1001 =================================== */
 
