@@ -13,6 +13,7 @@ namespace {
 
 constexpr size_t record_size = 64;
 constexpr size_t version_at = 8;
+constexpr size_t version_size = 32;  // of the caller's field
 constexpr std::array<char, version_at> signature{'\x89', 'V', 'A', 'K', '\r', '\n', '\x1a', '\n'};
 
 using Version = std::array<int, 3>;
@@ -27,7 +28,7 @@ std::array<char, record_size> header_record(Family family)
     std::array<char, record_size> record;
     record.fill(' ');
     std::copy(signature.begin(), signature.end(), record.begin());
-    char text[32];
+    char text[version_size];
     const Version v = version_of(family);
     const int length = std::snprintf(text, sizeof text, "%d %d %d", v[0], v[1], v[2]);
     std::copy_n(text, length, record.begin() + version_at);
@@ -85,7 +86,8 @@ int32_t read_fileheader(Family family, hid_t location, char* version, int32_t* f
     const char* const text = record.data() + version_at;
     status = wrong_signature_bytes(record.data());
     if (!has_version_of(family, text)) status += 100;
-    std::strncpy(version, text, 32);  // stops at a zero byte and pads with zeros
+    std::memset(version, 0, version_size);
+    std::memcpy(version, text, strnlen(text, version_size));
     return status;
 }
 
