@@ -23,10 +23,10 @@ struct Value {
 
 int32_t fail(const Value& v, int32_t number, int64_t error)
 {
-    std::fprintf(stderr,
-                 "VAK INTERNAL ERROR (%d) in VAK_H5Awrite - name, vak_type, data_size, vak_size, error: %s "
-                 "%d %zu %zu %d\n",
-                 number, v.name, v.type, v.data_size, v.vak_size, static_cast<int32_t>(error));
+    std::fprintf(
+        stderr,
+        "VAK INTERNAL ERROR (%d) in VAK_H5Awrite - name, vak_type, data_size, vak_size, error: %s %d %zu %zu %d\n",
+        number, v.name, v.type, v.data_size, v.vak_size, static_cast<int32_t>(error));
     return -1000 - number;
 }
 

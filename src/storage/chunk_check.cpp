@@ -78,7 +78,7 @@ bool box_is_plausible(const Chunks& chunks, const Extents& first, const Extents&
 bool chunks_are_plausible(hid_t dataset, const FoundLayout& found, const Part& part,
                           std::span<const hsize_t> extents, size_t element_size)
 {
-    if (found.layout != H5D_CHUNKED || found.filters == 0) return true;
+    if (found.filters == 0) return true;
     const Chunks chunks(dataset, found.list.get(), extents.size(), element_size);
     if (part.mode == point_list) return points_are_plausible(chunks, part);
     Extents start{};

@@ -2,6 +2,7 @@
 #pragma once
 
 #include "storage/dataset_layout.h"
+#include "storage/found_layout.h"
 
 namespace vak {
 

@@ -99,12 +99,12 @@ int32_t create_dataset(DatasetWrite& w, Target& target)
     if (!target.space.valid()) return fail(w, 40, target.space.get(), -2040);
     const hid_t type = stored_type(w.type, w.vak_size, w.ids);
     if (type < 0) return fail(w, 50, type, -2050);
-    Properties own;
     hid_t list = H5P_DEFAULT;
-    if (const int32_t status = creation_list(w, *elements, own, list)) return status;
+    if (const int32_t status = creation_list(w, *elements, target.list, list)) return status;
     target.dataset =
         Dataset(H5Dcreate2(w.location.id, w.name, type, target.space.get(), H5P_DEFAULT, list, H5P_DEFAULT));
     if (!target.dataset.valid()) return fail(w, 190, target.dataset.get(), -2190);
+    target.is_new = true;
     if (w.type == text_type) w.memory_type = w.ids.text(w.data_size);
     return 0;
 }

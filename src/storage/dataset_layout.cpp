@@ -9,27 +9,10 @@ namespace vak {
 namespace {
 
 constexpr hsize_t fewest_filtered = 8;
+constexpr hsize_t fewest_uncached = 64;
 constexpr hsize_t shortest_chunk = 1000;
 constexpr hsize_t longest_chunk = 2000;
 constexpr hsize_t largest_chunk_bytes = 0xFFFFFFFF;  // of HDF5
-
-bool known_filter(H5Z_filter_t filter)
-{
-    return filter == H5Z_FILTER_SCALEOFFSET || filter == H5Z_FILTER_SHUFFLE || filter == H5Z_FILTER_DEFLATE ||
-           filter == H5Z_FILTER_FLETCHER32;
-}
-
-bool known_filters(hid_t list, int number)
-{
-    for (int i = 0; i < number; ++i) {
-        unsigned flags = 0;
-        size_t values = 0;
-        const auto place = static_cast<unsigned>(i);
-        if (!known_filter(H5Pget_filter2(list, place, &flags, &values, nullptr, 0, nullptr, nullptr)))
-            return false;
-    }
-    return true;
-}
 
 }  // namespace
 
@@ -80,15 +63,6 @@ Extents filtered_chunk(std::span<const hsize_t> dims, size_t element_size)
     return chunk;
 }
 
-FoundLayout::FoundLayout(hid_t dataset)
-    : list(H5Dget_create_plist(dataset)),
-      layout(H5Pget_layout(list.get())),
-      filters(H5Pget_nfilters(list.get())),
-      is_usable(layout != H5D_LAYOUT_ERROR && layout != H5D_VIRTUAL && filters >= 0 &&
-                H5Pget_external_count(list.get()) == 0 && known_filters(list.get(), filters))
-{
-}
-
 Part part_of(int32_t mode, const hsize_t* dims, int32_t rank, const hsize_t* count, const hsize_t* start)
 {
     if (rank > 0 && (mode == hyperslab || mode == point_list)) return {mode, rank, count, start};
@@ -102,6 +76,17 @@ bool covers(const Part& part, std::span<const hsize_t> extents)
     for (size_t i = 0; i < extents.size(); ++i)
         if (part.start[i] != 0 || part.count[i] != extents[i]) return false;
     return true;
+}
+
+bool reads_in_runs(const Part& part, const hsize_t* dims)
+{
+    if (part.mode != hyperslab || dims == nullptr) return false;
+    bool inside_run = false;
+    for (size_t i = 1; i < part.counts().size(); ++i) {
+        if (inside_run && part.count[i] != dims[i]) return false;
+        inside_run = inside_run || part.count[i] > 1;
+    }
+    return elements_of(part.counts(), 1).value_or(0) >= fewest_uncached;
 }
 
 bool select(hid_t space, const Part& part)

@@ -1,4 +1,4 @@
-// How datasets are laid out in the file: the rules for new ones, what existing ones have, parts of them.
+// How datasets are laid out in the file: the rules for new ones, and parts of any.
 #pragma once
 
 #include "storage/shape.h"
@@ -30,18 +30,6 @@ Extents growing_chunk(std::span<const hsize_t> maximum, int32_t along_unlimited)
 // The chunk of a filtered dataset of fixed extents: all of it, where HDF5 allows a chunk of that size.
 Extents filtered_chunk(std::span<const hsize_t> dims, size_t element_size);
 
-// ---- Existing datasets ----
-
-// How an existing dataset is stored.
-struct FoundLayout {
-    explicit FoundLayout(hid_t dataset);
-
-    Properties list;
-    H5D_layout_t layout;
-    int filters;     // how many
-    bool is_usable;  // its values stand in this file, behind filters that HDF5 itself brings
-};
-
 // ---- Parts of a dataset ----
 
 // What a call takes of a dataset: mode, and for a slab or a list of points count and start.
@@ -64,6 +52,10 @@ Part part_of(int32_t mode, const hsize_t* dims, int32_t rank, const hsize_t* cou
 
 // Whether a slab is all there is, so that nothing needs to be selected.
 bool covers(const Part& part, std::span<const hsize_t> extents);
+
+// Whether a slab of a dataset of these extents is one run of values in each chunk, or a few: reading that
+// past the chunk cache saves a copy, where other slabs would be read value by value.
+bool reads_in_runs(const Part& part, const hsize_t* dims);
 
 // Selects the part in the file's space; false when HDF5 refuses.
 bool select(hid_t space, const Part& part);

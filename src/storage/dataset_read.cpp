@@ -1,32 +1,13 @@
 // Reading datasets: class, size, shape and filters are checked before anything reaches the caller's memory.
+#include "storage/dataset_read.h"
+
 #include <cstdio>
 
 #include "storage/chunk_check.h"
-#include "storage/element_type.h"
 
 namespace vak {
 
 namespace {
-
-struct DatasetRead {
-    const char* name;
-    void* data;
-    int32_t type;
-    size_t data_size;
-    Part part;
-    uint32_t* flags;
-    int32_t* params;
-};
-
-// The dataset that is read from.
-struct Source {
-    Dataset dataset;
-    Space space;
-    Extents extents{};
-    size_t rank = 0;
-
-    std::span<const hsize_t> shape() const { return {extents.data(), rank}; }
-};
 
 int32_t fail(const DatasetRead& r, int32_t number, int64_t error)
 {
@@ -104,7 +85,7 @@ int32_t take_filters(const DatasetRead& r, const FoundLayout& layout)
     return 0;
 }
 
-int32_t read_values(const DatasetRead& r, const Source& source, hid_t memory_type)
+int32_t read_values(const DatasetRead& r, const Source& source)
 {
     if (r.data == nullptr) return 0;
     Space memory;
@@ -117,7 +98,7 @@ int32_t read_values(const DatasetRead& r, const Source& source, hid_t memory_typ
         if (!memory.valid() || !select(file_space, r.part)) return fail(r, 120, -1);
     }
     const herr_t status =
-        H5Dread(source.dataset.get(), memory_type, memory_space, file_space, H5P_DEFAULT, r.data);
+        H5Dread(source.dataset.get(), r.memory_type, memory_space, file_space, H5P_DEFAULT, r.data);
     return status < 0 ? fail(r, 999, status) : 0;
 }
 
@@ -150,15 +131,15 @@ int32_t open_space(DatasetRead& r, Source& source)
     return check_part(r, source);
 }
 
-int32_t read_opened(DatasetRead& r, Source& source, FoundType& found, hid_t number)
+int32_t read_opened(DatasetRead& r, Source& source)
 {
-    const FoundLayout layout(source.dataset.get());
-    if (!layout.is_usable) return fail(r, 999, -1);
+    if (!source.layout.is_usable) return fail(r, 999, -1);
     if (const int32_t status = open_space(r, source)) return status;
-    if (const int32_t status = take_filters(r, layout)) return status;
-    if (!chunks_are_plausible(source.dataset.get(), layout, r.part, source.shape(), found.size))
+    if (const int32_t status = take_filters(r, source.layout)) return status;
+    if (!chunks_are_plausible(source.dataset.get(), source.layout, r.part, source.shape(), source.type.size))
         return fail(r, 999, -1);
-    return read_values(r, source, memory_type_beside(found, r.type, number, r.data_size));
+    r.memory_type = memory_type_beside(source.type, r.type, r.memory_type, r.data_size);
+    return read_values(r, source);
 }
 
 }  // namespace
@@ -168,21 +149,21 @@ int32_t VAK_H5Dread(const char* name, void* data, int32_t type, size_t data_size
                     const Location& location, uint32_t* flags, int32_t* params)
 {
     const bool known = known_rank(rank);
-    DatasetRead r{name,  data,  type, data_size, part_of(mode, dims, known ? rank : 0, count, start),
-                  flags, params};
+    const Part part = part_of(mode, dims, known ? rank : 0, count, start);
+    DatasetRead r{name, data, type, data_size, part, flags, params};
     if (!known) return fail(r, 20, -1);
     if (!r.part.known()) return fail(r, 999, -1);
     if (has_entry(r.part.counts(), 0)) return 0;
     int32_t type_class;
-    hid_t number;
-    if (VAK_H5gettype(type, data_size, &type_class, &number) < 0) return fail(r, 1, -1);
-    Source source;
-    source.dataset = Dataset(H5Dopen2(location.id, name, H5P_DEFAULT));
-    if (!source.dataset.valid()) return fail(r, 2, -1);
-    FoundType found(H5Dget_type(source.dataset.get()));
+    if (VAK_H5gettype(type, data_size, &type_class, &r.memory_type) < 0) return fail(r, 1, -1);
+    const bool past_cache = location.shared != nullptr && reads_in_runs(r.part, dims);
+    Dataset dataset(H5Dopen2(location.id, name, past_cache ? location.shared->uncached() : H5P_DEFAULT));
+    if (!dataset.valid()) return fail(r, 2, -1);
+    FoundType found(H5Dget_type(dataset.get()));
     if (found.type_class != type_class) return fail(r, 3, found.type_class);
     if (const int32_t status = check_size(r, found.size)) return status;
-    return read_opened(r, source, found, number);
+    Source source(std::move(dataset), std::move(found));
+    return read_opened(r, source);
 }
 
 }  // namespace vak

@@ -3,16 +3,17 @@
 
 #include <cstdio>
 
+#include "storage/chunk_check.h"
 #include "storage/element_type.h"
 
 namespace vak {
 
 int32_t fail(const DatasetWrite& w, int32_t number, int64_t error, int32_t code)
 {
-    std::fprintf(stderr,
-                 "VAK INTERNAL ERROR (%d) in VAK_H5Dwrite - name, vak_type, data_size, vak_size, mode, "
-                 "error: %s %d %zu %zu %d %d\n",
-                 number, w.name, w.type, w.data_size, w.vak_size, w.mode, static_cast<int32_t>(error));
+    std::fprintf(
+        stderr,
+        "VAK INTERNAL ERROR (%d) in VAK_H5Dwrite - name, vak_type, data_size, vak_size, mode, error: %s %d %zu %zu %d %d\n",
+        number, w.name, w.type, w.data_size, w.vak_size, w.mode, static_cast<int32_t>(error));
     return code;
 }
 
@@ -93,7 +94,7 @@ int32_t open_dataset(DatasetWrite& w, Target& target)
     if (dataset < 0) return fail(w, 10, dataset, -3010);
     FoundType found(H5Dget_type(dataset));
     if (found.type_class != w.type_class) return fail(w, 10, found.type_class, -3010);
-    const FoundLayout layout(dataset);
+    FoundLayout layout(dataset);
     if (!layout.is_usable) return fail(w, 999, -1, -3999);
     target.space = Space(H5Dget_space(dataset));
     if (!target.space.valid()) return fail(w, 110, target.space.get(), -3110);
@@ -103,8 +104,11 @@ int32_t open_dataset(DatasetWrite& w, Target& target)
     Extents present;
     H5Sget_simple_extent_dims(target.space.get(), present.data(), nullptr);
     if (const int32_t status = place(w, present)) return status;
+    if (!chunks_are_plausible(dataset, layout, w.part, {present.data(), w.dims.size()}, found.size))
+        return fail(w, 999, -1, -3999);
     w.memory_type = memory_type_beside(found, w.type, w.memory_type, w.data_size);
     target.found_type = std::move(found.id);
+    target.list = std::move(layout.list);
     return w.extendible() ? grow(w, target, present) : 0;
 }
 
@@ -156,19 +160,13 @@ int32_t VAK_H5Dwrite(const char* name, const void* data, int32_t type, size_t da
 {
     SharedIds own;
     const bool known = known_shape(dims, rank);
-    DatasetWrite w{name,
-                   data,
-                   type,
-                   data_size,
-                   vak_size,
-                   {dims, known ? static_cast<size_t>(rank) : 0},
-                   start,
-                   part_of(mode, dims, rank, count, start),
-                   mode,
-                   location,
-                   flags,
-                   params,
-                   location.shared ? *location.shared : own};
+    DatasetWrite w{name, data, type, data_size, vak_size, location, location.shared ? *location.shared : own};
+    w.dims = {dims, known ? static_cast<size_t>(rank) : 0};
+    w.part = part_of(mode, dims, rank, count, start);
+    w.start = start;
+    w.mode = mode;
+    w.flags = flags;
+    w.params = params;
     if (dims == nullptr) return fail(w, 0, -3000, -3000);
     if (!known) return fail(w, 40, -1, -2040);
     if (has_entry(w.dims, 0)) return 0;

@@ -11,14 +11,15 @@ struct DatasetWrite {
     int32_t type;
     size_t data_size;
     size_t vak_size;
-    std::span<hsize_t> dims;  // the caller's: unlimited entries become the new extents
-    hsize_t* start;           // the caller's: shifted behind the present end along unlimited dimensions
-    Part part;
-    int32_t mode;  // as given
     const Location& location;
-    uint32_t flags;
-    const uint32_t* params;
     SharedIds& ids;
+
+    std::span<hsize_t> dims{};  // the caller's: unlimited entries become the new extents
+    Part part{};
+    hsize_t* start = nullptr;      // the caller's: shifted behind the present end along unlimited dimensions
+    int32_t mode = whole_dataset;  // as given
+    uint32_t flags = 0;
+    const uint32_t* params = nullptr;
 
     int32_t type_class = 0;
     hid_t memory_type = H5I_INVALID_HID;
@@ -32,7 +33,9 @@ struct DatasetWrite {
 struct Target {
     Dataset dataset;
     Space space;      // with the extents that it has when the values are written
-    Type found_type;  // of an existing one; of texts in memory, too
+    Type found_type;  // of one that existed; of texts in memory, too
+    Properties list;  // with which it was created, where it is filtered or new and chunked
+    bool is_new = false;
 };
 
 // Prints the line of that number and gives the code that belongs to it.

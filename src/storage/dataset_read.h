@@ -1,0 +1,39 @@
+// One call of VAK_H5Dread, as its steps see it.
+#pragma once
+
+#include "storage/dataset_layout.h"
+#include "storage/element_type.h"
+#include "storage/found_layout.h"
+
+namespace vak {
+
+struct DatasetRead {
+    const char* name;
+    void* data;
+    int32_t type;
+    size_t data_size;
+    Part part;
+    uint32_t* flags;
+    int32_t* params;
+
+    hid_t memory_type = H5I_INVALID_HID;
+};
+
+// The dataset that is read from.
+struct Source {
+    Source(Dataset opened, FoundType found)
+        : dataset(std::move(opened)), type(std::move(found)), layout(dataset.get())
+    {
+    }
+
+    Dataset dataset;
+    FoundType type;
+    FoundLayout layout;
+    Space space{};
+    Extents extents{};
+    size_t rank = 0;
+
+    std::span<const hsize_t> shape() const { return {extents.data(), rank}; }
+};
+
+}  // namespace vak

@@ -1,0 +1,60 @@
+#include "storage/found_layout.h"
+
+namespace vak {
+
+namespace {
+
+// Types of the messages in an object header, which the file format fixes.
+constexpr uint64_t external_files_message = uint64_t{1} << 7;
+constexpr uint64_t filters_message = uint64_t{1} << 11;
+
+bool has_storage_of_its_own(hid_t dataset)
+{
+    // The first answers for contiguous datasets, the second for chunked ones, the third for compact ones. A
+    // virtual dataset says no to each, as others do before anything is written.
+    const hsize_t origin[H5S_MAX_RANK] = {};
+    hsize_t chunk_bytes;
+    return H5Dget_offset(dataset) != HADDR_UNDEF ||
+           H5Dget_chunk_storage_size(dataset, origin, &chunk_bytes) >= 0 || H5Dget_storage_size(dataset) > 0;
+}
+
+// Whether it has neither filters nor values elsewhere, asked at a tenth of the price of its creation list.
+bool surely_plain(hid_t dataset)
+{
+    H5O_native_info_t info;
+    if (H5Oget_native_info(dataset, &info, H5O_NATIVE_INFO_HDR) < 0) return false;
+    const uint64_t in_the_way = info.hdr.mesg.present & (external_files_message | filters_message);
+    return in_the_way == 0 && has_storage_of_its_own(dataset);
+}
+
+bool known_filter(H5Z_filter_t filter)
+{
+    return filter == H5Z_FILTER_SCALEOFFSET || filter == H5Z_FILTER_SHUFFLE || filter == H5Z_FILTER_DEFLATE ||
+           filter == H5Z_FILTER_FLETCHER32;
+}
+
+bool known_filters(hid_t list, int number)
+{
+    for (int i = 0; i < number; ++i) {
+        unsigned flags = 0;
+        size_t values = 0;
+        const auto place = static_cast<unsigned>(i);
+        if (!known_filter(H5Pget_filter2(list, place, &flags, &values, nullptr, 0, nullptr, nullptr)))
+            return false;
+    }
+    return true;
+}
+
+}  // namespace
+
+FoundLayout::FoundLayout(hid_t dataset)
+{
+    if (surely_plain(dataset)) return;
+    list = Properties(H5Dget_create_plist(dataset));
+    filters = H5Pget_nfilters(list.get());
+    const H5D_layout_t layout = H5Pget_layout(list.get());
+    is_usable = layout != H5D_LAYOUT_ERROR && layout != H5D_VIRTUAL &&
+                H5Pget_external_count(list.get()) == 0 && filters >= 0 && known_filters(list.get(), filters);
+}
+
+}  // namespace vak

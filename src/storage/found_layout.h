@@ -1,0 +1,16 @@
+// How a dataset that exists is stored.
+#pragma once
+
+#include "storage/hdf5_id.h"
+
+namespace vak {
+
+struct FoundLayout {
+    explicit FoundLayout(hid_t dataset);
+
+    Properties list;        // only where filters were found, or could not be ruled out by less
+    int filters = 0;        // how many
+    bool is_usable = true;  // its values stand in this file, behind filters that HDF5 itself brings
+};
+
+}  // namespace vak
