@@ -907,6 +907,19 @@ VAK_API void VAK1_CREATE_EXTLINKS(
     const vak_id *source_ids, const vak_id *dest, const int32_t *nsource, const char *subgroup,
     const int32_t *option, const int32_t *verbose, int32_t *ierr);
 
+/* State eraser: removes every state whose index values (indexident) lie after index[nindex], compared entry by entry over
+ * the shorter list; equal that far stays. Blocks of single states are deleted, with the groups that become empty;
+ * series (multi-state blocks) keep their remaining states, exactly as they were stored; the system block
+ * gets a new modification date and time. `group` is the root group of an open file; blocks that external links
+ * bring in are left alone. Everything is read and checked before anything is changed, and each series is complete
+ * in the file before its old states go. The space becomes free inside the file, which does not shrink.
+ * verbose > 0 prints progress on standard output, > 1 every deleted block and group.
+ * ierr: 0; -1 no blocks found, a file of another generation, or a deletion that failed; otherwise the storage layer's. */
+VAK_API void VAK_ERASE_STATES(
+    const vak_id *group, const int32_t *nindex, const int32_t *index, const int32_t *verbose, int32_t *ierr);
+VAK_API void VAK1_ERASE_STATES(
+    const vak_id *group, const int32_t *nindex, const int32_t *index, const int32_t *verbose, int32_t *ierr);
+
 /* Compression parameter file: lines of a variable name and a decimal exponent; "$" and "#" begin comments, other lines are
  * passed over. `filename` ends with a zero byte.
  * pass 0   count = number of entries

@@ -40,7 +40,9 @@ int32_t read(const MatrixRead& r, const DenseMatrix& m)
     return read_matrix(
         kind, r, m.val, [&](Block& io) { header(io, m); },
         [&](Block& io, bool) { index_values(io, m.index, "data"); },
-        [&] { return Shape{*m.nrow, *m.ncolumn}; });
+        [&] {
+            return Shape{*m.nrow, *m.ncolumn};
+        });
 }
 
 }  // namespace

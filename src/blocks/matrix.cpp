@@ -16,8 +16,11 @@ MatrixMode matrix_mode(int32_t mode)
 
 OpenedMatrix open_matrix(const BlockKind& kind, const MatrixWrite& w)
 {
-    const BlockPath path{.nstate = *w.index.nindex, .states = w.index.indexident.at, .state = w.state,
-                         .names = {kind.type, w.etyp, w.etypvar}, .index = *w.entid};
+    const BlockPath path{.nstate = *w.index.nindex,
+                         .states = w.index.indexident.at,
+                         .state = w.state,
+                         .names = {kind.type, w.etyp, w.etypvar},
+                         .index = *w.entid};
     OpenedGroup opened = open_or_create_group(w.file, path_text(w.family, path));
     Block io(kind, w.family, Direction::write, opened.group.get());
     const ValueForm form = value_form(w.ivsize);

@@ -1,11 +1,13 @@
-// What the three matrix kinds share: place, index values, value forms, and the parts of "val" that a call transfers.
+// What the three matrix kinds share: place, index values, value forms, and the parts of "val" that a call
+// transfers.
 #pragma once
 
 #include "blocks/fields.h"
 
 namespace vak {
 
-// Which part of "val" a call transfers, one count and start per extent (mode 2: number of points, coordinates).
+// Which part of "val" a call transfers, one count and start per extent (mode 2: number of points,
+// coordinates).
 struct MatrixPart {
     int32_t mode;
     const int64_t* counts;
@@ -46,7 +48,8 @@ void matrix_values(Block&, Arg<float> val, Shape, const MatrixPart&);
 
 // Fields and index values are written with a new block only: a matrix is completed piece by piece.
 template <class Fields>
-int32_t write_matrix(const BlockKind& kind, const MatrixWrite& w, Arg<float> val, const Shape& shape, Fields fields)
+int32_t write_matrix(const BlockKind& kind, const MatrixWrite& w, Arg<float> val, const Shape& shape,
+                     Fields fields)
 {
     return exported([&] {
         OpenedMatrix m = open_matrix(kind, w);

@@ -1,5 +1,5 @@
-// The triangular matrix block (keys 10100 and 10101): a symmetric matrix as its packed triangle, in the order in which
-// the caller packs it.
+// The triangular matrix block (keys 10100 and 10101): a symmetric matrix as its packed triangle, in the order
+// in which the caller packs it.
 #include "blocks/matrix.h"
 #include "vak_sp.h"
 

@@ -69,25 +69,28 @@ void print_link(const Destination& to, const char* name, const char* file, const
     if (to.subgroup.empty())
         std::printf("create link \"%s\" --> file/group:  \"%s\"\"%s\"\n", name, file, target);
     else
-        std::printf("create link \"%.*s/%s\" --> file/group:  \"%s%s\"\n", static_cast<int>(to.subgroup.size()),
-                    to.subgroup.data(), name, file, target);
+        std::printf("create link \"%.*s/%s\" --> file/group:  \"%s%s\"\n",
+                    static_cast<int>(to.subgroup.size()), to.subgroup.data(), name, file, target);
 }
 
 void link_source(hid_t source, const Destination& to)
 {
-    const std::string file = name_of([&](char* text, size_t size) { return H5Fget_name(source, text, size); });
+    const std::string file =
+        name_of([&](char* text, size_t size) { return H5Fget_name(source, text, size); });
     std::string path = name_of([&](char* text, size_t size) { return H5Iget_name(source, text, size); });
     if (path != "/") path += '/';
     for (const std::string& name : link_names(source)) {
         if (name == "post") continue;
         const std::string target = path + name;
         if (to.verbose) print_link(to, name.c_str(), file.c_str(), target.c_str());
-        if (H5Lcreate_external(file.c_str(), target.c_str(), to.group, name.c_str(), H5P_DEFAULT, H5P_DEFAULT) < 0)
+        if (H5Lcreate_external(file.c_str(), target.c_str(), to.group, name.c_str(), H5P_DEFAULT,
+                               H5P_DEFAULT) < 0)
             std::fprintf(stderr, "\nVAK ERROR - could not create external link \"%s\"\n", name.c_str());
     }
 }
 
-int32_t create_extlinks(const vak_id* sources, int32_t nsource, const char* subgroup, int32_t option, Destination to)
+int32_t create_extlinks(const vak_id* sources, int32_t nsource, const char* subgroup, int32_t option,
+                        Destination to)
 {
     int32_t status = 0;
     Group made;

@@ -53,7 +53,8 @@ int gather_chunk(const hsize_t* offset, unsigned, haddr_t, hsize_t, void* data) 
 bool has_scale_offset(hid_t creation)
 {
     size_t n = 0;
-    return H5Pget_filter_by_id2(creation, H5Z_FILTER_SCALEOFFSET, nullptr, &n, nullptr, 0, nullptr, nullptr) >= 0;
+    return H5Pget_filter_by_id2(creation, H5Z_FILTER_SCALEOFFSET, nullptr, &n, nullptr, 0, nullptr,
+                                nullptr) >= 0;
 }
 
 int32_t type_code_of(hid_t type)
@@ -106,7 +107,8 @@ Extents region_of(const Series& s, const Offset& offset)
 {
     Extents count{};
     count[0] = 1;
-    for (size_t i = 1; i < s.rank; ++i) count[i] = std::min(s.chunk[i], s.dims[i] - std::min(s.dims[i], offset[i]));
+    for (size_t i = 1; i < s.rank; ++i)
+        count[i] = std::min(s.chunk[i], s.dims[i] - std::min(s.dims[i], offset[i]));
     return count;
 }
 
@@ -176,13 +178,16 @@ int32_t copy_chunk(Copy& c, const Offset& from, const Offset& to)
     const size_t nominal = chunk_bytes(c.from);
     if (stored > nominal + nominal / 8 + 65536) return unreadable;
     c.bytes.resize(stored);
-    if (H5Dread_chunk(c.from.dataset.get(), H5P_DEFAULT, from.data(), &mask, c.bytes.data()) < 0) return unreadable;
-    if (H5Dwrite_chunk(c.to.get(), H5P_DEFAULT, mask, to.data(), stored, c.bytes.data()) < 0) return unwritable;
+    if (H5Dread_chunk(c.from.dataset.get(), H5P_DEFAULT, from.data(), &mask, c.bytes.data()) < 0)
+        return unreadable;
+    if (H5Dwrite_chunk(c.to.get(), H5P_DEFAULT, mask, to.data(), stored, c.bytes.data()) < 0)
+        return unwritable;
     return 0;
 }
 
 // Puts the values of one state's region at place `slot` of a whole chunk.
-void scatter(const Series& s, const std::vector<char>& values, const Extents& count, hsize_t slot, char* chunk)
+void scatter(const Series& s, const std::vector<char>& values, const Extents& count, hsize_t slot,
+             char* chunk)
 {
     const size_t run = s.element * (s.rank > 1 ? count[s.rank - 1] : 1);
     Extents at{};
@@ -209,14 +214,15 @@ int32_t write_region(Copy& c, const Offset& to, hsize_t slot, const Extents& cou
     return written ? 0 : unwritable;
 }
 
-// Puts states that do not make up a stored chunk into one. Values that went through scale-offset once are stored
-// as they are, past the filters: coding them again in other company would change them.
+// Puts states that do not make up a stored chunk into one. Values that went through scale-offset once are
+// stored as they are, past the filters: coding them again in other company would change them.
 int32_t recode_chunk(Copy& c, const Offset& to, const hsize_t* states, size_t n)
 {
     std::vector<char> chunk;
     if (c.from.is_lossy) {
         chunk.resize(chunk_bytes(c.from));
-        for (size_t i = 0; i < chunk.size(); i += c.fill.size()) std::copy(c.fill.begin(), c.fill.end(), &chunk[i]);
+        for (size_t i = 0; i < chunk.size(); i += c.fill.size())
+            std::copy(c.fill.begin(), c.fill.end(), &chunk[i]);
     }
     const Extents count = region_of(c.from, to);
     for (size_t slot = 0; slot < n; ++slot) {
@@ -301,7 +307,8 @@ int32_t check_kept_states(hid_t group, const char* name, const std::vector<hsize
         if (is_complete(s, stored.size()))
             status = check_state(s, state, values);
         else
-            for (size_t i = 0; i < stored.size() && status == 0; ++i) status = read_region(s, state, stored[i], values);
+            for (size_t i = 0; i < stored.size() && status == 0; ++i)
+                status = read_region(s, state, stored[i], values);
         if (status != 0) return status;
     }
     return 0;

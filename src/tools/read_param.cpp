@@ -1,4 +1,5 @@
-// The compression parameter file: lines of a variable name and the decimal exponent of its scale-offset filter.
+// The compression parameter file: lines of a variable name and the decimal exponent of its scale-offset
+// filter.
 #include <sys/stat.h>
 
 #include <algorithm>
