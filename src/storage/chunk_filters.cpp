@@ -1,0 +1,130 @@
+// The pipeline of filters over one chunk, in the two directions.
+#include "storage/chunk_filters.h"
+
+#include <algorithm>
+#include <cstring>
+#include <iterator>
+
+#include "storage/shuffle.h"
+
+namespace vak {
+namespace {
+
+constexpr size_t most_parameters = 20;
+
+std::optional<unsigned> step_parameter(H5Z_filter_t id, const unsigned* values, size_t count)
+{
+    const unsigned value = count > 0 ? values[0] : 0;
+    if (id == H5Z_FILTER_SHUFFLE && count == 1 && value > 0) return value;
+    if (id == H5Z_FILTER_DEFLATE && count == 1 && value <= 9) return value;
+    return {};
+}
+
+// Scale-offset packs numbers, so it must be the first to see them.
+bool add_step(hid_t creation_list, unsigned index, size_t elements, size_t element_size,
+              ChunkFilters& filters)
+{
+    unsigned flags = 0;
+    unsigned values[most_parameters] = {};
+    size_t count = most_parameters;
+    const H5Z_filter_t id = H5Pget_filter2(creation_list, index, &flags, &count, values, 0, nullptr, nullptr);
+    if (id == H5Z_FILTER_SCALEOFFSET) {
+        const auto form = scale_offset_form(values, count);
+        if (index > 0 || !form || form->count != elements || form->size != element_size) return false;
+        filters.scale_offset = *form;
+        filters.steps.push_back({.id = id});
+        return true;
+    }
+    const auto parameter = step_parameter(id, values, count);
+    if (!parameter) return false;
+    filters.steps.push_back({.id = id, .parameter = *parameter});
+    return true;
+}
+
+}  // namespace
+
+std::optional<ChunkFilters> chunk_filters(hid_t creation_list, size_t elements_in_chunk, size_t element_size)
+{
+    const int count = H5Pget_nfilters(creation_list);
+    if (count < 0 || count > 32) return {};
+    ChunkFilters filters;
+    for (int i = 0; i < count; ++i) {
+        const auto index = static_cast<unsigned>(i);
+        if (!add_step(creation_list, index, elements_in_chunk, element_size, filters)) return {};
+    }
+    return filters;
+}
+
+bool ChunkCodec::encode_step(const FilterStep& step, bool exact, StoredChunk& chunk, Buffer& buffer)
+{
+    if (step.id == H5Z_FILTER_SHUFFLE) {
+        unsigned char* to = buffer.room(chunk.size);
+        shuffle(chunk.bytes, chunk.size, step.parameter, to);
+        chunk.bytes = to;
+        return true;
+    }
+    if (step.id == H5Z_FILTER_DEFLATE) {
+        if (!deflater_) deflater_.emplace(step.parameter);
+        const size_t room = deflater_->limit(chunk.size);
+        unsigned char* to = buffer.room(room);
+        chunk.size = deflater_->deflate(chunk.bytes, chunk.size, to, room);
+        chunk.bytes = to;
+        return chunk.size > 0;
+    }
+    const ScaleOffset& form = filters_.scale_offset;
+    unsigned char* to = buffer.room(scale_offset_limit(form));
+    const size_t size = exact && form.real ? 0 : pack_scale_offset(form, chunk.bytes, to);
+    if (size == 0) {
+        chunk.mask |= 1;
+        return true;
+    }
+    chunk.size = size;
+    chunk.bytes = to;
+    return true;
+}
+
+std::optional<StoredChunk> ChunkCodec::encode(const unsigned char* values, bool exact)
+{
+    StoredChunk chunk{.bytes = values, .size = chunk_size_};
+    size_t turn = 0;
+    for (const FilterStep& step : filters_.steps) {
+        if (!encode_step(step, exact, chunk, buffers_[turn++ % 2])) return {};
+    }
+    return chunk;
+}
+
+size_t ChunkCodec::decode_step(const FilterStep& step, const StoredChunk& chunk, unsigned char* to,
+                               size_t room)
+{
+    if (step.id == H5Z_FILTER_DEFLATE) {
+        if (!inflater_) inflater_.emplace();
+        return inflater_->inflate(chunk.bytes, chunk.size, to, room);
+    }
+    if (step.id == H5Z_FILTER_SHUFFLE) {
+        if (chunk.size > room) return 0;
+        unshuffle(chunk.bytes, chunk.size, step.parameter, to);
+        return chunk.size;
+    }
+    return unpack_scale_offset(filters_.scale_offset, chunk.bytes, chunk.size, to) ? chunk_size_ : 0;
+}
+
+bool ChunkCodec::decode(const StoredChunk& stored, unsigned char* values)
+{
+    std::vector<FilterStep> steps;
+    for (size_t i = 0; i < filters_.steps.size(); ++i) {
+        if ((stored.mask >> i & 1) == 0) steps.push_back(filters_.steps[i]);
+    }
+    const bool packed = !steps.empty() && steps[0].id == H5Z_FILTER_SCALEOFFSET;
+    const size_t between = packed ? scale_offset_limit(filters_.scale_offset) : chunk_size_;
+    StoredChunk chunk = stored;
+    for (size_t i = steps.size(); i-- > 0;) {
+        unsigned char* to = i == 0 ? values : buffers_[i % 2].room(between);
+        chunk.size = decode_step(steps[i], chunk, to, i == 0 ? chunk_size_ : between);
+        if (chunk.size == 0) return false;
+        chunk.bytes = to;
+    }
+    if (steps.empty() && chunk.size == chunk_size_) std::memcpy(values, chunk.bytes, chunk_size_);
+    return chunk.size == chunk_size_;
+}
+
+}  // namespace vak
