@@ -13,7 +13,7 @@ endif()
 find_package(HDF5 1.14 REQUIRED COMPONENTS C)
 message(STATUS "HDF5 ${HDF5_VERSION}: ${HDF5_C_LIBRARIES}")
 
-# Whole chunks are packed and unpacked by libdeflate where it is at hand, else by the filter of HDF5.
+# Whole chunks are deflated and inflated by libdeflate where it is at hand, else by zlib.
 add_library(vak_deflate INTERFACE)
 find_path(LIBDEFLATE_INCLUDE_DIR libdeflate.h)
 find_library(LIBDEFLATE_LIBRARY deflate)
@@ -23,5 +23,7 @@ if(LIBDEFLATE_INCLUDE_DIR AND LIBDEFLATE_LIBRARY)
     target_include_directories(vak_deflate SYSTEM INTERFACE ${LIBDEFLATE_INCLUDE_DIR})
     target_link_libraries(vak_deflate INTERFACE ${LIBDEFLATE_LIBRARY})
 else()
-    message(STATUS "libdeflate not found: compression is done by HDF5 alone")
+    message(STATUS "libdeflate not found: zlib takes its place")
+    find_package(ZLIB REQUIRED)
+    target_link_libraries(vak_deflate INTERFACE ZLIB::ZLIB)
 endif()
