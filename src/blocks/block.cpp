@@ -217,17 +217,20 @@ void refuse_mode(Block& io)
 void enter(Block& io, const char* section)
 {
     if (io.stopped || current(io) || io.section_name == section) return;
+    const auto make = [&] {
+        Group made(H5Gcreate2(io.group, section, H5P_DEFAULT, H5P_DEFAULT, H5P_DEFAULT));
+        io.section_is_new = made.valid();
+        return made;
+    };
     Group opened;
-    bool made = false;
-    if (reading(io) || !io.is_new) opened = Group(H5Gopen2(io.group, section, H5P_DEFAULT));
-    if (!reading(io) && !opened.valid()) {
-        opened = Group(H5Gcreate2(io.group, section, H5P_DEFAULT, H5P_DEFAULT, H5P_DEFAULT));
-        made = true;
-    }
+    io.section_is_new = false;
+    // In a new block the subgroup is most likely missing; but a block may come back to one.
+    if (!reading(io) && io.is_new) opened = make();
+    if (!opened.valid()) opened = Group(H5Gopen2(io.group, section, H5P_DEFAULT));
+    if (!opened.valid() && !reading(io)) opened = make();
     if (opened.valid()) {
         io.section = std::move(opened);
         io.section_name = section;
-        io.section_is_new = made;
     } else if (reading(io)) {
         std::fprintf(stderr, "VAK ERROR - %s not found\n", section);
         stop(io, -1);
