@@ -1,28 +1,37 @@
 // The entity results block (keys 1000 and 1001): values of one variable on the entities of one type, for one state.
-#include <cstdio>
+#include "blocks/entityresults.h"
 
-#include "blocks/results.h"
 #include "vak_sp.h"
 
 namespace vak {
 
+void entity_header(Block& io, const EntityResults& r)
+{
+    text(io, "etyp", r.etyp);
+    integer(io, "nent", r.nent);
+    text(io, "etypvar", r.etypvar);
+    integer(io, "ncoo", r.ncoo);
+    zone_fields(io, r.zone);
+    index_counts(io, r.index);
+}
+
+void entity_tables(Block& io, const EntityResults& r)
+{
+    integers(io, "entid", r.tables.ids, {*r.nent});
+    frame_fields(io, r.tables, r.zone, 1, {*r.nent});
+    merge_fields(io, r.tables, r.zone, *r.ncoo, *r.nent);
+}
+
+Shape entity_values(const Block& io, const EntityResults& r)
+{
+    Shape shape{*r.nent, *r.ncoo};
+    if (is_complex(io)) shape.add(2);
+    return shape;
+}
+
 namespace {
 
 constexpr BlockKind kind{.key = 1000, .type = "entityresults", .complex_key = 1001};
-
-struct EntityResults {
-    Arg<char> etyp;
-    Arg<int32_t> nent;
-    Arg<char> etypvar;
-    Arg<int32_t> ncoo;
-    Arg<char> etypzone;
-    Arg<int32_t> zoneid;
-    Arg<char> etypframe;
-    Arg<int32_t> fswitch, dmpswitch;
-    Index index;
-    ResultTables tables;
-    Arg<float> res;
-};
 
 // The values that a call transfers: their size in memory and which of them.
 struct Values {
@@ -31,29 +40,6 @@ struct Values {
     const int64_t* istart = nullptr;
     const int64_t* icount = nullptr;
 };
-
-void header(Block& io, const EntityResults& r)
-{
-    text(io, "etyp", r.etyp);
-    integer(io, "nent", r.nent);
-    text(io, "etypvar", r.etypvar);
-    integer(io, "ncoo", r.ncoo);
-    text(io, "etypzone", r.etypzone);
-    integer(io, "zoneid", r.zoneid);
-    text(io, "etypframe", r.etypframe);
-    integer(io, "fswitch", r.fswitch);
-    integer(io, "dmpswitch", r.dmpswitch);
-    index_counts(io, r.index);
-}
-
-void tables(Block& io, const EntityResults& r)
-{
-    integers(io, "entid", r.tables.ids, {*r.nent});
-    if (io.stopped) return;
-    if (*r.fswitch != 0 && *r.fswitch != 1) return stop(io, -123);
-    frame_fields(io, r.tables, *r.fswitch, {*r.nent});
-    merge_fields(io, r.tables, *r.dmpswitch, *r.ncoo, *r.nent);
-}
 
 bool has(hid_t group, const char* name) { return H5Lexists(group, name, H5P_DEFAULT) > 0; }
 
@@ -65,9 +51,9 @@ void link_tables(hid_t shared, hid_t group, const EntityResults& r)
         H5Lcreate_hard(shared, name, group, name, H5P_DEFAULT, H5P_DEFAULT);
     };
     link("entid");
-    if (*r.fswitch == 0) link("fidglob");
-    if (*r.fswitch == 1) link("fid");
-    if (*r.dmpswitch != 1) return;
+    if (*r.zone.fswitch == 0) link("fidglob");
+    if (*r.zone.fswitch == 1) link("fid");
+    if (*r.zone.dmpswitch != 1) return;
     link("operator");
     link("weight");
 }
@@ -78,23 +64,16 @@ void shared_tables(Block& io, hid_t shared, const EntityResults& r)
     if (!has(shared, "entid")) {
         Block once(kind, Family::current, Direction::write, shared);
         once.storage = io.storage;
-        tables(once, r);
+        entity_tables(once, r);
         if (once.stopped) return stop(io, once.status);
     }
     link_tables(shared, current_group(io), r);
 }
 
-Shape values_shape(const Block& io, const EntityResults& r)
-{
-    Shape shape{*r.nent, *r.ncoo};
-    if (io.key == kind.complex_key) shape.add(2);
-    return shape;
-}
-
 void values(Block& io, const EntityResults& r, const Values& v)
 {
     if (io.stopped) return;
-    Shape shape = values_shape(io, r);
+    const Shape shape = entity_values(io, r);
     const auto rank = static_cast<size_t>(shape.rank());
     Transfer part = whole();
     if (v.mode == hyperslab) part = slab(v.icount, v.istart, rank);
@@ -104,73 +83,56 @@ void values(Block& io, const EntityResults& r, const Values& v)
     real_part(io, res, shape, std::move(part));
 }
 
-void write_fields(Block& io, int32_t parts, hid_t shared, const EntityResults& r, const Values& v)
+void write_fields(Block& io, int32_t parts, const vak_id* gids, const EntityResults& r, const Values& v)
 {
     if (parts & what::attributes) {
         enter(io, "header");
         identify(io);
-        header(io, r);
+        entity_header(io, r);
     }
     if (parts & what::index) index_values(io, r.index);
     if (parts & (what::tables | what::values)) enter(io, "data");
     if (parts & what::tables) {
         if (parts & what::share)
-            shared_tables(io, shared, r);
+            shared_tables(io, gids[1], r);
         else
-            tables(io, r);
+            entity_tables(io, r);
     }
     if (io.stopped || !(parts & what::values)) return;
     if (known_mode(v.mode)) return values(io, r, v);
     refuse_mode(io);
 }
 
-Block writing(Family family, hid_t group, StorageOptions storage, int32_t ivsize)
-{
-    const ValueForm form = value_form(ivsize);
-    Block io(kind, family, Direction::write, group);
-    storage.real_size = form.size;
-    io.storage = storage;
-    io.key = form.is_complex ? kind.complex_key : kind.key;
-    return io;
-}
-
 int32_t write_parts(Family family, const vak_id* gids, int32_t parts, const EntityResults& r,
                     const StorageOptions& storage, int32_t ivsize, const Values& v)
 {
-    return exported([&] {
-        if (gids[0] < 0) {
-            std::fprintf(stderr, "VAK ERROR writing block %s\n", kind.type);
-            return static_cast<int32_t>(gids[0]);
-        }
-        Block io = writing(family, gids[0], storage, ivsize);
-        write_fields(io, parts, gids[1], r, v);
-        return end_writing(io, Group());
+    return write_into(kind, family, gids[0], storage, [&](Block& io) {
+        choose_variant(io, ivsize);
+        write_fields(io, parts, gids, r, v);
     });
 }
 
 int32_t write_state(Family family, hid_t file, const EntityResults& r, int32_t iset, int32_t istate,
                     const StorageOptions& storage, int32_t ivsize)
 {
-    return exported([&] {
-        const BlockPath path{
-            .nstate = *r.index.nindex, .states = r.index.indexident.at, .state = istate,
-            .names = {kind.type, r.etyp.at, r.etypvar.at, r.etypzone.at}, .index = *r.zoneid, .set = iset};
-        OpenedGroup opened = open_or_create_group(file, path_text(family, path));
-        if (opened.status < 0) return opened.status;
-        Block io = writing(family, opened.group.get(), storage, ivsize);
-        io.is_new = opened.status > 0;
-        write_fields(io, what::attributes | what::index | what::tables | what::values, H5I_INVALID_HID, r, {});
-        const bool closed = io.section.close() && opened.group.close();
-        return io.status == 0 && !closed ? -1 : io.status;
+    const BlockPath path{.nstate = *r.index.nindex,
+                         .states = r.index.indexident.at,
+                         .state = istate,
+                         .names = {kind.type, r.etyp.at, r.etypvar.at, r.zone.etypzone.at},
+                         .index = *r.zone.zoneid,
+                         .set = iset};
+    return write_results(kind, family, file, path, storage, [&](Block& io) {
+        choose_variant(io, ivsize);
+        write_fields(io, what::everything, nullptr, r, {});
     });
 }
 
 void read_fields(Block& io, int32_t parts, const EntityResults& r, const Values& v, int32_t* iopt, int32_t* ipar)
 {
-    if (parts & what::attributes) header(io, r);
+    if (parts & what::attributes) entity_header(io, r);
     if (parts & what::index) index_values(io, r.index);
     if (parts & (what::tables | what::values)) enter(io, "data");
-    if (parts & what::tables) tables(io, r);
+    if (parts & what::tables) entity_tables(io, r);
     if (parts & what::values) {
         if (!io.stopped && !known_mode(v.mode)) stop(io, -999);
         values(io, r, v);
@@ -188,15 +150,7 @@ int32_t read_parts(Family family, hid_t group, int32_t parts, const EntityResult
 int32_t read_state(Family family, hid_t group, int32_t ipass, const EntityResults& r, int32_t* iopt, int32_t* ipar)
 {
     return read_block(kind, family, group, [&](Block& io) {
-        switch (ipass) {
-            case 0: return read_fields(io, what::attributes | what::index, r, {}, iopt, ipar);
-            case 1: return read_fields(io, what::attributes, r, {}, iopt, ipar);
-            case 2:
-                return read_fields(io, what::attributes | what::index | what::tables | what::values, r, {}, iopt, ipar);
-            default:
-                std::fprintf(stderr, "VAK INTERNAL ERROR reading \"entityresults\" block - ipass = %d\n", ipass);
-                stop(io, -3);
-        }
+        read_fields(io, parts_of_pass(io, ipass), r, {}, iopt, ipar);
     });
 }
 
@@ -220,7 +174,7 @@ void VAK_WRITE_ENTITYRESULTS(
 {
     const EntityResults r{
         .etyp = etyp, .nent = nent, .etypvar = etypvar, .ncoo = ncoo,
-        .etypzone = etypzone, .zoneid = zoneid, .etypframe = etypframe, .fswitch = fswitch, .dmpswitch = dmpswitch,
+        .zone = {.etypzone = etypzone, .zoneid = zoneid, .etypframe = etypframe, .fswitch = fswitch, .dmpswitch = dmpswitch},
         .index = {.nindex = nindex, .indexic = indexic, .indexident = indexident, .indexval = indexval},
         .tables = {.ids = entid, .fidglob = fidglob, .fid = fid, .op = op, .weight = weight}, .res = res};
     *ierr = write_state(Family::current, *file, r, *iset, *istate, storage_of(iopt, ipar), *ivsize);
@@ -237,7 +191,7 @@ void VAK_WRITE_ENTITYRESULTS2(
 {
     const EntityResults r{
         .etyp = etyp, .nent = nent, .etypvar = etypvar, .ncoo = ncoo,
-        .etypzone = etypzone, .zoneid = zoneid, .etypframe = etypframe, .fswitch = fswitch, .dmpswitch = dmpswitch,
+        .zone = {.etypzone = etypzone, .zoneid = zoneid, .etypframe = etypframe, .fswitch = fswitch, .dmpswitch = dmpswitch},
         .index = {.nindex = nindex, .indexic = indexic, .indexident = indexident, .indexval = indexval},
         .tables = {.ids = entid, .fidglob = fidglob, .fid = fid, .op = op, .weight = weight}, .res = res};
     const Values v{.data_size = *data_size, .mode = *mode, .istart = istart, .icount = icount};
@@ -254,7 +208,7 @@ void VAK_READ_ENTITYRESULTS(
 {
     const EntityResults r{
         .etyp = etyp, .nent = nent, .etypvar = etypvar, .ncoo = ncoo,
-        .etypzone = etypzone, .zoneid = zoneid, .etypframe = etypframe, .fswitch = fswitch, .dmpswitch = dmpswitch,
+        .zone = {.etypzone = etypzone, .zoneid = zoneid, .etypframe = etypframe, .fswitch = fswitch, .dmpswitch = dmpswitch},
         .index = {.nindex = nindex, .indexic = indexic, .indexident = indexident, .indexval = indexval},
         .tables = {.ids = entid, .fidglob = fidglob, .fid = fid, .op = op, .weight = weight}, .res = res};
     *ierr = read_state(Family::current, *group, *ipass, r, iopt, ipar);
@@ -271,7 +225,7 @@ void VAK_READ_ENTITYRESULTS2(
 {
     const EntityResults r{
         .etyp = etyp, .nent = nent, .etypvar = etypvar, .ncoo = ncoo,
-        .etypzone = etypzone, .zoneid = zoneid, .etypframe = etypframe, .fswitch = fswitch, .dmpswitch = dmpswitch,
+        .zone = {.etypzone = etypzone, .zoneid = zoneid, .etypframe = etypframe, .fswitch = fswitch, .dmpswitch = dmpswitch},
         .index = {.nindex = nindex, .indexic = indexic, .indexident = indexident, .indexval = indexval},
         .tables = {.ids = entid, .fidglob = fidglob, .fid = fid, .op = op, .weight = weight}, .res = res};
     const Values v{.data_size = *data_size, .mode = *mode, .istart = istart, .icount = icount};
@@ -289,7 +243,7 @@ void VAK1_WRITE_ENTITYRESULTS(
 {
     const EntityResults r{
         .etyp = etyp, .nent = nent, .etypvar = etypvar, .ncoo = ncoo,
-        .etypzone = etypzone, .zoneid = zoneid, .etypframe = etypframe, .fswitch = fswitch, .dmpswitch = dmpswitch,
+        .zone = {.etypzone = etypzone, .zoneid = zoneid, .etypframe = etypframe, .fswitch = fswitch, .dmpswitch = dmpswitch},
         .index = {.nindex = nindex, .indexic = {}, .indexident = indexident, .indexval = indexval},
         .tables = {.ids = entid, .fidglob = fidglob, .fid = fid, .op = op, .weight = weight}, .res = res};
     *ierr = write_state(Family::legacy, *file, r, *iset, *istate, storage_of(iopt, ipar), *ivsize);
@@ -306,7 +260,7 @@ void VAK1_WRITE_ENTITYRESULTS2(
 {
     const EntityResults r{
         .etyp = etyp, .nent = nent, .etypvar = etypvar, .ncoo = ncoo,
-        .etypzone = etypzone, .zoneid = zoneid, .etypframe = etypframe, .fswitch = fswitch, .dmpswitch = dmpswitch,
+        .zone = {.etypzone = etypzone, .zoneid = zoneid, .etypframe = etypframe, .fswitch = fswitch, .dmpswitch = dmpswitch},
         .index = {.nindex = nindex, .indexic = {}, .indexident = indexident, .indexval = indexval},
         .tables = {.ids = entid, .fidglob = fidglob, .fid = fid, .op = op, .weight = weight}, .res = res};
     const Values v{.data_size = *data_size, .mode = *mode, .istart = istart, .icount = icount};
@@ -323,7 +277,7 @@ void VAK1_READ_ENTITYRESULTS(
 {
     const EntityResults r{
         .etyp = etyp, .nent = nent, .etypvar = etypvar, .ncoo = ncoo,
-        .etypzone = etypzone, .zoneid = zoneid, .etypframe = etypframe, .fswitch = fswitch, .dmpswitch = dmpswitch,
+        .zone = {.etypzone = etypzone, .zoneid = zoneid, .etypframe = etypframe, .fswitch = fswitch, .dmpswitch = dmpswitch},
         .index = {.nindex = nindex, .indexic = {}, .indexident = indexident, .indexval = indexval},
         .tables = {.ids = entid, .fidglob = fidglob, .fid = fid, .op = op, .weight = weight}, .res = res};
     *ierr = read_state(Family::legacy, *group, *ipass, r, iopt, ipar);
@@ -340,7 +294,7 @@ void VAK1_READ_ENTITYRESULTS2(
 {
     const EntityResults r{
         .etyp = etyp, .nent = nent, .etypvar = etypvar, .ncoo = ncoo,
-        .etypzone = etypzone, .zoneid = zoneid, .etypframe = etypframe, .fswitch = fswitch, .dmpswitch = dmpswitch,
+        .zone = {.etypzone = etypzone, .zoneid = zoneid, .etypframe = etypframe, .fswitch = fswitch, .dmpswitch = dmpswitch},
         .index = {.nindex = nindex, .indexic = {}, .indexident = indexident, .indexval = indexval},
         .tables = {.ids = entid, .fidglob = fidglob, .fid = fid, .op = op, .weight = weight}, .res = res};
     const Values v{.data_size = *data_size, .mode = *mode, .istart = istart, .icount = icount};
