@@ -695,11 +695,320 @@ VAK_API void VAK1_READ_ENTITYRESULTS2(
 
 /* ==== Multi-state entity results, keys 1050 and 1051 ======================= */
 
+/* A series of states of one variable on one list of entities, in one block that grows along its state axis.
+ * Fields as for entity results, per state: indexident and indexval [state][nindex], res[state][nent][ncoo] or
+ * [state][nent][ncoo][2]. Attributes and tables are written with the first call for a block and never again.
+ * series      name of the series; set as iset
+ * place       0 and above: `place` states behind those that are there; "nstate" is stored
+ *             below 0: one state, -place rows behind the end (rows that it skips hold the fill value); "nstate" is
+ *             not stored, and readers count the states by themselves
+ * iopt, ipar  as for entity results, but res may be scale-offset compressed
+ * ivsize      bit 1024 is ignored
+ * Place: multistate/<series>/multientityresults/<etyp>/<etypvar>/<etypzone><zoneid>_set<set>.
+ * The number of states in a chunk is that of VAK_SET_CHUNK_SIZE when the block is made.
+ * ierr: 0; -123 fswitch neither 0 nor 1; -1 the block's group cannot be closed; -3 more than 2^31-1 states (nothing is
+ * appended); otherwise the storage layer's. Index rows of a call that failed before its values were stored are
+ * not counted as a state, and the next call takes their place. */
+VAK_API void VAK_WRITE_MULTIENTITYRESULTS(
+    const vak_id *file,
+    const char *series, const char *etyp, const int32_t *nent, const char *etypvar, const int32_t *ncoo,
+    const char *etypzone, const int32_t *zoneid, const char *etypframe, const int32_t *fswitch, const int32_t *dmpswitch,
+    const int32_t *nindex, const int32_t *indexident, const float *indexval,
+    const int32_t *entid, const int32_t *fidglob, const int32_t *fid, const char *op, const float *weight, const float *res,
+    const int32_t *set, const int32_t *place,
+    const int32_t *iopt, const int32_t *ipar, const int32_t *ivsize, int32_t *ierr);
+VAK_API void VAK1_WRITE_MULTIENTITYRESULTS(
+    const vak_id *file,
+    const char *series, const char *etyp, const int32_t *nent, const char *etypvar, const int32_t *ncoo,
+    const char *etypzone, const int32_t *zoneid, const char *etypframe, const int32_t *fswitch, const int32_t *dmpswitch,
+    const int32_t *nindex, const int32_t *indexident, const float *indexval,
+    const int32_t *entid, const int32_t *fidglob, const int32_t *fid, const char *op, const float *weight, const float *res,
+    const int32_t *set, const int32_t *place,
+    const int32_t *iopt, const int32_t *ipar, const int32_t *ivsize, int32_t *ierr);
+
+/* The same; with place below 0 and a mode other than 0 the caller says which part of the states it appends.
+ * mode 1: a slab of count[] at start[], one entry for each extent of res (3, complex 4), the start along the state axis
+ *         counted from the end; indexident and indexval hold count[0] rows
+ * mode 2: the count[0] points whose coordinates stand in start[], 3 (complex 4) each, the state counted from the end;
+ *         indexident and indexval hold a row for each state that the points lie in, in the order in which they
+ *         appear. The state axis grows to the largest state only, not one more, as this format has it, so that a
+ *         point in that state is refused: -3999
+ * ierr as above; -999 another mode. */
+VAK_API void VAK_WRITE_MULTIENTITYRESULTC(
+    const vak_id *file,
+    const char *series, const char *etyp, const int32_t *nent, const char *etypvar, const int32_t *ncoo,
+    const char *etypzone, const int32_t *zoneid, const char *etypframe, const int32_t *fswitch, const int32_t *dmpswitch,
+    const int32_t *nindex, const int32_t *indexident, const float *indexval,
+    const int32_t *entid, const int32_t *fidglob, const int32_t *fid, const char *op, const float *weight, const float *res,
+    const int32_t *set, const int32_t *place,
+    const int32_t *iopt, const int32_t *ipar, const int32_t *ivsize,
+    const int32_t *mode, const int64_t *count, const int64_t *start, int32_t *ierr);
+VAK_API void VAK1_WRITE_MULTIENTITYRESULTC(
+    const vak_id *file,
+    const char *series, const char *etyp, const int32_t *nent, const char *etypvar, const int32_t *ncoo,
+    const char *etypzone, const int32_t *zoneid, const char *etypframe, const int32_t *fswitch, const int32_t *dmpswitch,
+    const int32_t *nindex, const int32_t *indexident, const float *indexval,
+    const int32_t *entid, const int32_t *fidglob, const int32_t *fid, const char *op, const float *weight, const float *res,
+    const int32_t *set, const int32_t *place,
+    const int32_t *iopt, const int32_t *ipar, const int32_t *ivsize,
+    const int32_t *mode, const int64_t *count, const int64_t *start, int32_t *ierr);
+
+/* The same for a block's group that the caller has opened and keeps open.
+ * res_size    size of one value of res in memory, 4 or 8
+ * nstates     states that mode 0 appends
+ * nstate      receives the number of states then in the block (after a failure, of those before the call)
+ * ierr as above; -999 also nstates below 0 in mode 0; a negative group: that number. */
+VAK_API void VAK_WRITE_MULTIENTITYRESULTS2(
+    const vak_id *group, const void *ignored1, const void *ignored2,
+    const char *series, const char *etyp, const int32_t *nent, const char *etypvar, const int32_t *ncoo,
+    const char *etypzone, const int32_t *zoneid, const char *etypframe, const int32_t *fswitch, const int32_t *dmpswitch,
+    const int32_t *nindex, const int32_t *indexident, const float *indexval,
+    const int32_t *entid, const int32_t *fidglob, const int32_t *fid, const char *op, const float *weight, const float *res,
+    const int32_t *res_size, const int32_t *nstates,
+    const int32_t *iopt, const int32_t *ipar, const int32_t *ivsize,
+    const int32_t *mode, const int64_t *count, const int64_t *start, int32_t *nstate, int32_t *ierr);
+VAK_API void VAK1_WRITE_MULTIENTITYRESULTS2(
+    const vak_id *group, const void *ignored1, const void *ignored2,
+    const char *series, const char *etyp, const int32_t *nent, const char *etypvar, const int32_t *ncoo,
+    const char *etypzone, const int32_t *zoneid, const char *etypframe, const int32_t *fswitch, const int32_t *dmpswitch,
+    const int32_t *nindex, const int32_t *indexident, const float *indexval,
+    const int32_t *entid, const int32_t *fidglob, const int32_t *fid, const char *op, const float *weight, const float *res,
+    const int32_t *res_size, const int32_t *nstates,
+    const int32_t *iopt, const int32_t *ipar, const int32_t *ivsize,
+    const int32_t *mode, const int64_t *count, const int64_t *start, int32_t *nstate, int32_t *ierr);
+
+/* Reads a series. ipass 1: attributes; 0: attributes and index values; 2: everything, with the filters found.
+ * nstate is the number of states that are stored, however they were appended.
+ * ierr: the key, 1050 (real values) or 1051 (complex), never 0; -1 not such a block, or no group; -3 another ipass;
+ * -123 the stored fswitch; otherwise the storage layer's. */
+VAK_API void VAK_READ_MULTIENTITYRESULTS(
+    const vak_id *group, const int32_t *ipass,
+    char *series, char *etyp, int32_t *nent, char *etypvar, int32_t *ncoo,
+    char *etypzone, int32_t *zoneid, char *etypframe, int32_t *fswitch, int32_t *dmpswitch,
+    int32_t *nindex, int32_t *nstate, int32_t *indexident, float *indexval,
+    int32_t *entid, int32_t *fidglob, int32_t *fid, char *op, float *weight, float *res,
+    int32_t *iopt, int32_t *ipar, int32_t *ierr);
+VAK_API void VAK1_READ_MULTIENTITYRESULTS(
+    const vak_id *group, const int32_t *ipass,
+    char *series, char *etyp, int32_t *nent, char *etypvar, int32_t *ncoo,
+    char *etypzone, int32_t *zoneid, char *etypframe, int32_t *fswitch, int32_t *dmpswitch,
+    int32_t *nindex, int32_t *nstate, int32_t *indexident, float *indexval,
+    int32_t *entid, int32_t *fidglob, int32_t *fid, char *op, float *weight, float *res,
+    int32_t *iopt, int32_t *ipar, int32_t *ierr);
+
+/* The same for a part of the values: mode 0 all; 1 the slab of count[] at start[], 3 (complex 4) entries each, with the
+ * index values of the states in it; 2 the count[0] points whose coordinates stand in start[], with all index
+ * values. One entity's history or one state's values are read without the rest. ierr as above; -999 another mode. */
+VAK_API void VAK_READ_MULTIENTITYRESULTC(
+    const vak_id *group, const int32_t *ipass,
+    char *series, char *etyp, int32_t *nent, char *etypvar, int32_t *ncoo,
+    char *etypzone, int32_t *zoneid, char *etypframe, int32_t *fswitch, int32_t *dmpswitch,
+    int32_t *nindex, int32_t *nstate, int32_t *indexident, float *indexval,
+    int32_t *entid, int32_t *fidglob, int32_t *fid, char *op, float *weight, float *res,
+    int32_t *iopt, int32_t *ipar,
+    const int32_t *mode, const int64_t *count, const int64_t *start, int32_t *ierr);
+VAK_API void VAK1_READ_MULTIENTITYRESULTC(
+    const vak_id *group, const int32_t *ipass,
+    char *series, char *etyp, int32_t *nent, char *etypvar, int32_t *ncoo,
+    char *etypzone, int32_t *zoneid, char *etypframe, int32_t *fswitch, int32_t *dmpswitch,
+    int32_t *nindex, int32_t *nstate, int32_t *indexident, float *indexval,
+    int32_t *entid, int32_t *fidglob, int32_t *fid, char *op, float *weight, float *res,
+    int32_t *iopt, int32_t *ipar,
+    const int32_t *mode, const int64_t *count, const int64_t *start, int32_t *ierr);
+
+/* The same by parts: 1 attributes, 2 index values, 4 tables, 8 values; what is not read is taken from the arguments
+ * (nent, ncoo, nindex, nstate, fswitch, dmpswitch). data_size is the size of one value of res in memory, 4 or 8. */
+VAK_API void VAK_READ_MULTIENTITYRESULTS2(
+    const vak_id *group, const int32_t *parts, const void *ignored,
+    char *series, char *etyp, int32_t *nent, char *etypvar, int32_t *ncoo,
+    char *etypzone, int32_t *zoneid, char *etypframe, int32_t *fswitch, int32_t *dmpswitch,
+    int32_t *nindex, int32_t *nstate, int32_t *indexident, float *indexval,
+    int32_t *entid, int32_t *fidglob, int32_t *fid, char *op, float *weight, float *res,
+    const int32_t *data_size, int32_t *iopt, int32_t *ipar,
+    const int32_t *mode, const int64_t *count, const int64_t *start, int32_t *ierr);
+VAK_API void VAK1_READ_MULTIENTITYRESULTS2(
+    const vak_id *group, const int32_t *parts, const void *ignored,
+    char *series, char *etyp, int32_t *nent, char *etypvar, int32_t *ncoo,
+    char *etypzone, int32_t *zoneid, char *etypframe, int32_t *fswitch, int32_t *dmpswitch,
+    int32_t *nindex, int32_t *nstate, int32_t *indexident, float *indexval,
+    int32_t *entid, int32_t *fidglob, int32_t *fid, char *op, float *weight, float *res,
+    const int32_t *data_size, int32_t *iopt, int32_t *ipar,
+    const int32_t *mode, const int64_t *count, const int64_t *start, int32_t *ierr);
+
 /* ==== Element results, keys 1100 and 1101 ================================== */
+
+/* Values of one variable at locations inside the elements of one type (integration points, element nodes), for one state
+ * and zone. Fields as for entity results, with these differences:
+ * etypelem    element type; nele elements with identifiers idele[nele]
+ * numl        locations in each element; eloc[numl][ndim] their coordinates
+ * fswitch     0: one frame fidglob; 1: fid[nele]; 2: fid[nele][numl], one for each location
+ * weight[nele]; res[nele][numl][ncoo] values, or res[nele][numl][ncoo][2] complex ones
+ * iopt        res may be scale-offset compressed, the other reals are not
+ * Both families have indexic here.
+ * Place: <state>/elementresults/<etypelem>/<etypvar>/<etypzone><zoneid>_set<iset>. A block that is there already is
+ * written again in place; its shapes must be the same.
+ * When the call succeeds the block's group stays open, in both families; VAK_CLOSE closes it with the file.
+ * ierr: 0; -123 fswitch neither 0, 1 nor 2; otherwise the storage layer's. */
+VAK_API void VAK_WRITE_ELEMENTRESULTS(
+    const vak_id *file,
+    const char *etypelem, const int32_t *nele, const char *etypvar, const int32_t *ncoo, const int32_t *numl, const int32_t *ndim,
+    const char *etypzone, const int32_t *zoneid, const char *etypframe, const int32_t *fswitch, const int32_t *dmpswitch,
+    const int32_t *nindex, const int32_t *indexic, const int32_t *indexident, const float *indexval,
+    const int32_t *idele, const int32_t *fidglob, const int32_t *fid, const float *eloc,
+    const char *op, const float *weight, const float *res,
+    const int32_t *iset, const int32_t *istate,
+    const int32_t *iopt, const int32_t *ipar, const int32_t *ivsize, int32_t *ierr);
+VAK_API void VAK1_WRITE_ELEMENTRESULTS(
+    const vak_id *file,
+    const char *etypelem, const int32_t *nele, const char *etypvar, const int32_t *ncoo, const int32_t *numl, const int32_t *ndim,
+    const char *etypzone, const int32_t *zoneid, const char *etypframe, const int32_t *fswitch, const int32_t *dmpswitch,
+    const int32_t *nindex, const int32_t *indexic, const int32_t *indexident, const float *indexval,
+    const int32_t *idele, const int32_t *fidglob, const int32_t *fid, const float *eloc,
+    const char *op, const float *weight, const float *res,
+    const int32_t *iset, const int32_t *istate,
+    const int32_t *iopt, const int32_t *ipar, const int32_t *ivsize, int32_t *ierr);
+
+/* Reads it. ipass 1: attributes; 0: attributes and index values; 2: everything, with the filters found.
+ * ierr: the key, 1100 (real values) or 1101 (complex), never 0; -1 not such a block, or no group; -3 another ipass;
+ * -123 the stored fswitch; otherwise the storage layer's. */
+VAK_API void VAK_READ_ELEMENTRESULTS(
+    const vak_id *group, const int32_t *ipass,
+    char *etypelem, int32_t *nele, char *etypvar, int32_t *ncoo, int32_t *numl, int32_t *ndim,
+    char *etypzone, int32_t *zoneid, char *etypframe, int32_t *fswitch, int32_t *dmpswitch,
+    int32_t *nindex, int32_t *indexic, int32_t *indexident, float *indexval,
+    int32_t *idele, int32_t *fidglob, int32_t *fid, float *eloc,
+    char *op, float *weight, float *res,
+    int32_t *iopt, int32_t *ipar, int32_t *ierr);
+VAK_API void VAK1_READ_ELEMENTRESULTS(
+    const vak_id *group, const int32_t *ipass,
+    char *etypelem, int32_t *nele, char *etypvar, int32_t *ncoo, int32_t *numl, int32_t *ndim,
+    char *etypzone, int32_t *zoneid, char *etypframe, int32_t *fswitch, int32_t *dmpswitch,
+    int32_t *nindex, int32_t *indexic, int32_t *indexident, float *indexval,
+    int32_t *idele, int32_t *fidglob, int32_t *fid, float *eloc,
+    char *op, float *weight, float *res,
+    int32_t *iopt, int32_t *ipar, int32_t *ierr);
 
 /* ==== Multi-state element results, keys 1150 and 1151 ====================== */
 
+/* A series of states of element results, in one block that grows along its state axis. Each call appends one state
+ * behind those that are there: indexident[nindex], indexval[nindex] and res of that state. Attributes and tables are
+ * written with the first call for a block and never again. The group is closed.
+ * series      name of the series
+ * ipos        the caller's own numbering; it leaves no gaps
+ * Place: multistate/<series>/multielementresults/<etypelem>/<etypvar>/<etypzone><zoneid>_set<iset>.
+ * ierr: 0; -123 fswitch neither 0, 1 nor 2; -1 the block's group cannot be closed; otherwise the storage layer's. Index
+ * rows of a call that failed before its values were stored are not counted as a state. */
+VAK_API void VAK_WRITE_MULTIELEMENTRESULTS(
+    const vak_id *file,
+    const char *series, const char *etypelem, const int32_t *nele,
+    const char *etypvar, const int32_t *ncoo, const int32_t *numl, const int32_t *ndim,
+    const char *etypzone, const int32_t *zoneid, const char *etypframe, const int32_t *fswitch, const int32_t *dmpswitch,
+    const int32_t *nindex, const int32_t *indexident, const float *indexval,
+    const int32_t *idele, const int32_t *fidglob, const int32_t *fid, const float *eloc,
+    const char *op, const float *weight, const float *res,
+    const int32_t *iset, const int32_t *ipos,
+    const int32_t *iopt, const int32_t *ipar, const int32_t *ivsize, int32_t *ierr);
+VAK_API void VAK1_WRITE_MULTIELEMENTRESULTS(
+    const vak_id *file,
+    const char *series, const char *etypelem, const int32_t *nele,
+    const char *etypvar, const int32_t *ncoo, const int32_t *numl, const int32_t *ndim,
+    const char *etypzone, const int32_t *zoneid, const char *etypframe, const int32_t *fswitch, const int32_t *dmpswitch,
+    const int32_t *nindex, const int32_t *indexident, const float *indexval,
+    const int32_t *idele, const int32_t *fidglob, const int32_t *fid, const float *eloc,
+    const char *op, const float *weight, const float *res,
+    const int32_t *iset, const int32_t *ipos,
+    const int32_t *iopt, const int32_t *ipar, const int32_t *ivsize, int32_t *ierr);
+
+/* Reads one state of it, the one whose place from 0 is ipos; nstate is the number of states that are stored.
+ * ipass 1: attributes; 0: attributes and the state's index values; 2: everything, with the filters found.
+ * ierr: the key, 1150 (real values) or 1151 (complex), never 0; -1 not such a block, or no group; -3 another ipass;
+ * -123 the stored fswitch; -6031 no such state; otherwise the storage layer's. */
+VAK_API void VAK_READ_MULTIELEMENTRESULTS(
+    const vak_id *group, const int32_t *ipass,
+    char *series, char *etypelem, int32_t *nele,
+    char *etypvar, int32_t *ncoo, int32_t *numl, int32_t *ndim,
+    char *etypzone, int32_t *zoneid, char *etypframe, int32_t *fswitch, int32_t *dmpswitch,
+    int32_t *nindex, int32_t *nstate, int32_t *indexident, float *indexval,
+    int32_t *idele, int32_t *fidglob, int32_t *fid, float *eloc,
+    char *op, float *weight, float *res,
+    const int32_t *ipos, int32_t *iopt, int32_t *ipar, int32_t *ierr);
+VAK_API void VAK1_READ_MULTIELEMENTRESULTS(
+    const vak_id *group, const int32_t *ipass,
+    char *series, char *etypelem, int32_t *nele,
+    char *etypvar, int32_t *ncoo, int32_t *numl, int32_t *ndim,
+    char *etypzone, int32_t *zoneid, char *etypframe, int32_t *fswitch, int32_t *dmpswitch,
+    int32_t *nindex, int32_t *nstate, int32_t *indexident, float *indexval,
+    int32_t *idele, int32_t *fidglob, int32_t *fid, float *eloc,
+    char *op, float *weight, float *res,
+    const int32_t *ipos, int32_t *iopt, int32_t *ipar, int32_t *ierr);
+
 /* ==== Activation flags, keys 2100 and 2150 ================================= */
+
+/* Which of the nent entities of one type are active in a state: entid[nent] their identifiers, status[nent] a number each.
+ * ivsize is the size of the stored index values, 4 or 8 (0 and below mean 4), without complex codes.
+ * Place: <state>/activflags/<etyp>. Both families have indexic here.
+ * ierr: 0; -1 the state has activation flags already ("... already exists"), which then stay as they are; otherwise the
+ * storage layer's. */
+VAK_API void VAK_WRITE_ACTIVFLAGS(
+    const vak_id *file,
+    const char *etyp, const int32_t *nent,
+    const int32_t *nindex, const int32_t *indexic, const int32_t *indexident, const float *indexval,
+    const int32_t *entid, const int32_t *status,
+    const int32_t *istate, const int32_t *iopt, const int32_t *ipar, const int32_t *ivsize, int32_t *ierr);
+VAK_API void VAK1_WRITE_ACTIVFLAGS(
+    const vak_id *file,
+    const char *etyp, const int32_t *nent,
+    const int32_t *nindex, const int32_t *indexic, const int32_t *indexident, const float *indexval,
+    const int32_t *entid, const int32_t *status,
+    const int32_t *istate, const int32_t *iopt, const int32_t *ipar, const int32_t *ivsize, int32_t *ierr);
+
+/* Reads them. ipass 1: attributes; 0: attributes and index values; 2: everything, with the filters found.
+ * ierr: 0; -1 not such a block, or no group; -3 another ipass; otherwise the storage layer's. */
+VAK_API void VAK_READ_ACTIVFLAGS(
+    const vak_id *group, const int32_t *ipass,
+    char *etyp, int32_t *nent,
+    int32_t *nindex, int32_t *indexic, int32_t *indexident, float *indexval,
+    int32_t *entid, int32_t *status,
+    int32_t *iopt, int32_t *ipar, int32_t *ierr);
+VAK_API void VAK1_READ_ACTIVFLAGS(
+    const vak_id *group, const int32_t *ipass,
+    char *etyp, int32_t *nent,
+    int32_t *nindex, int32_t *indexic, int32_t *indexident, float *indexval,
+    int32_t *entid, int32_t *status,
+    int32_t *iopt, int32_t *ipar, int32_t *ierr);
+
+/* A series of states of activation flags, in one block that grows along its state axis. Each call appends one state
+ * behind those that are there; attributes and entid are written with the first call for a block and never again.
+ * ipos is the caller's own numbering; it leaves no gaps. Place: multistate/<series>/multiactivflags/<etyp>.
+ * ierr: 0; -1 the block's group cannot be closed; otherwise the storage layer's. */
+VAK_API void VAK_WRITE_MULTIACTIVFLAGS(
+    const vak_id *file,
+    const char *series, const char *etyp, const int32_t *nent,
+    const int32_t *nindex, const int32_t *indexident, const float *indexval,
+    const int32_t *entid, const int32_t *status,
+    const int32_t *ipos, const int32_t *iopt, const int32_t *ipar, const int32_t *ivsize, int32_t *ierr);
+VAK_API void VAK1_WRITE_MULTIACTIVFLAGS(
+    const vak_id *file,
+    const char *series, const char *etyp, const int32_t *nent,
+    const int32_t *nindex, const int32_t *indexident, const float *indexval,
+    const int32_t *entid, const int32_t *status,
+    const int32_t *ipos, const int32_t *iopt, const int32_t *ipar, const int32_t *ivsize, int32_t *ierr);
+
+/* Reads one state of it, the one whose place from 0 is ipos; nstate is the number of states that are stored.
+ * ipass 1: attributes; 0: attributes and the state's index values; 2: everything, with the filters found.
+ * ierr: 0; -1 not such a block, or no group; -3 another ipass; -6031 no such state; otherwise the storage layer's. */
+VAK_API void VAK_READ_MULTIACTIVFLAGS(
+    const vak_id *group, const int32_t *ipass,
+    char *series, char *etyp, int32_t *nent,
+    int32_t *nindex, int32_t *nstate, int32_t *indexident, float *indexval,
+    int32_t *entid, int32_t *status,
+    const int32_t *ipos, int32_t *iopt, int32_t *ipar, int32_t *ierr);
+VAK_API void VAK1_READ_MULTIACTIVFLAGS(
+    const vak_id *group, const int32_t *ipass,
+    char *series, char *etyp, int32_t *nent,
+    int32_t *nindex, int32_t *nstate, int32_t *indexident, float *indexval,
+    int32_t *entid, int32_t *status,
+    const int32_t *ipos, int32_t *iopt, int32_t *ipar, int32_t *ierr);
 
 /* ==== Dense matrix, keys 10000 and 10001 =================================== */
 

@@ -1,4 +1,5 @@
-// The entity results block (keys 1000 and 1001): values of one variable on the entities of one type, for one state.
+// The entity results block (keys 1000 and 1001): values of one variable on the entities of one type, for one
+// state.
 #include "blocks/entityresults.h"
 
 #include "vak_sp.h"
@@ -127,7 +128,8 @@ int32_t write_state(Family family, hid_t file, const EntityResults& r, int32_t i
     });
 }
 
-void read_fields(Block& io, int32_t parts, const EntityResults& r, const Values& v, int32_t* iopt, int32_t* ipar)
+void read_fields(Block& io, int32_t parts, const EntityResults& r, const Values& v, int32_t* iopt,
+                 int32_t* ipar)
 {
     if (parts & what::attributes) entity_header(io, r);
     if (parts & what::index) index_values(io, r.index);
@@ -147,11 +149,11 @@ int32_t read_parts(Family family, hid_t group, int32_t parts, const EntityResult
     return read_block(kind, family, group, [&](Block& io) { read_fields(io, parts, r, v, iopt, ipar); });
 }
 
-int32_t read_state(Family family, hid_t group, int32_t ipass, const EntityResults& r, int32_t* iopt, int32_t* ipar)
+int32_t read_state(Family family, hid_t group, int32_t ipass, const EntityResults& r, int32_t* iopt,
+                   int32_t* ipar)
 {
-    return read_block(kind, family, group, [&](Block& io) {
-        read_fields(io, parts_of_pass(io, ipass), r, {}, iopt, ipar);
-    });
+    return read_block(kind, family, group,
+                      [&](Block& io) { read_fields(io, parts_of_pass(io, ipass), r, {}, iopt, ipar); });
 }
 
 }  // namespace

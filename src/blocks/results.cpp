@@ -1,6 +1,8 @@
 #include "blocks/results.h"
 
+#include <algorithm>
 #include <cstdio>
+#include <limits>
 
 namespace vak {
 
@@ -59,7 +61,8 @@ int32_t parts_of_pass(Block& io, int32_t ipass)
         case 2:
             return what::everything;
         default:
-            std::fprintf(stderr, "VAK INTERNAL ERROR reading \"%s\" block - ipass = %d\n", io.kind.type, ipass);
+            std::fprintf(stderr, "VAK INTERNAL ERROR reading \"%s\" block - ipass = %d\n", io.kind.type,
+                         ipass);
             stop(io, -3);
             return 0;
     }
@@ -68,7 +71,7 @@ int32_t parts_of_pass(Block& io, int32_t ipass)
 int32_t refuse_group(const BlockKind& kind, hid_t group)
 {
     std::fprintf(stderr, "VAK ERROR writing block %s\n", kind.type);
-    return static_cast<int32_t>(group);
+    return static_cast<int32_t>(std::max<hid_t>(group, std::numeric_limits<int32_t>::min()));
 }
 
 }  // namespace vak

@@ -45,7 +45,8 @@ void choose_variant(Block&, int32_t ivsize);
 
 inline bool is_complex(const Block& io) { return io.key == io.kind.complex_key; }
 
-// What a reader by passes reads: 1 the attributes, 0 the index too, 2 everything. Another pass stops the block.
+// What a reader by passes reads: 1 the attributes, 0 the index too, 2 everything. Another pass stops the
+// block.
 int32_t parts_of_pass(Block&, int32_t ipass);
 
 // A group that is none: says so and gives it as the status.
@@ -71,7 +72,8 @@ int32_t write_results(const BlockKind& kind, Family family, hid_t file, const Bl
 
 // The same for a group that the caller has opened and keeps open.
 template <class Fields>
-int32_t write_into(const BlockKind& kind, Family family, hid_t group, const StorageOptions& storage, Fields fields)
+int32_t write_into(const BlockKind& kind, Family family, hid_t group, const StorageOptions& storage,
+                   Fields fields)
 {
     return exported([&] {
         if (group < 0) return refuse_group(kind, group);

@@ -1,0 +1,186 @@
+#include "blocks/series.h"
+
+#include <algorithm>
+#include <string>
+
+namespace vak {
+
+namespace {
+
+// Where a field stands below the block's group.
+std::string path_of(const Block& io, const char* section, const char* name)
+{
+    return legacy(io) ? std::string(section) + "/" + name : name;
+}
+
+const char* header_of(const Block& io) { return legacy(io) ? "header" : "."; }
+
+bool has_state_count(const Block& io)
+{
+    return H5Aexists_by_name(io.group, header_of(io), "nstate", H5P_DEFAULT) > 0;
+}
+
+Dataset open(const Block& io, const char* section, const char* name)
+{
+    return Dataset(H5Dopen2(io.group, path_of(io, section, name).c_str(), H5P_DEFAULT));
+}
+
+constexpr int64_t none = -1;
+
+// The first extent of a dataset; `none` where there is no dataset.
+int64_t states_in(const Dataset& dataset)
+{
+    if (!dataset.valid()) return none;
+    const Space space(H5Dget_space(dataset.get()));
+    std::array<hsize_t, H5S_MAX_RANK> extents{};
+    if (H5Sget_simple_extent_dims(space.get(), extents.data(), nullptr) < 1) return none;
+    return static_cast<int64_t>(extents[0]);
+}
+
+// The extent of the values, else of the index rows.
+int64_t stored_states(const Block& io, const char* values)
+{
+    for (const auto& [section, name] :
+         {std::pair{"data", values}, std::pair{"index", "indexval"}, std::pair{"index", "indexident"}}) {
+        const int64_t states = states_in(open(io, section, name));
+        if (states != none) return states;
+    }
+    return none;
+}
+
+// The attribute as the header has it; 0 where it cannot be had.
+int64_t counted_states(const Block& io)
+{
+    if (!has_state_count(io)) return 0;
+    const Object header(H5Oopen(io.group, header_of(io), H5P_DEFAULT));
+    int32_t nstate = 0;
+    size_t size = 0;
+    const int32_t status =
+        VAK_H5Aread("nstate", &nstate, integer_type, sizeof nstate, nullptr, 0, header.get(), &size);
+    return status == 0 ? nstate : 0;
+}
+
+constexpr int64_t most_states = std::numeric_limits<int32_t>::max();  // "nstate" has 32 bits
+
+bool countable(int64_t end, States s)
+{
+    return s.start <= most_states && s.count <= most_states &&
+           end + std::max(s.start, int64_t{0}) + std::max(s.count, int64_t{0}) <= most_states;
+}
+
+// Removes rows behind `end`, and gives how many are missing before it.
+int64_t level(Block& io, const char* name, int64_t end)
+{
+    if (io.stopped || io.is_new) return 0;
+    const Dataset dataset = open(io, "index", name);
+    const int64_t extent = std::max(states_in(dataset), int64_t{0});
+    if (extent <= end) return end - extent;
+    const Space space(H5Dget_space(dataset.get()));
+    std::array<hsize_t, H5S_MAX_RANK> extents{};
+    H5Sget_simple_extent_dims(space.get(), extents.data(), nullptr);
+    extents[0] = static_cast<hsize_t>(end);
+    if (H5Dset_extent(dataset.get(), extents.data()) < 0) fail_writing(io, -3);
+    return 0;
+}
+
+// Values that are still missing belong to no complete state; without any values the index rows count.
+int64_t complete_states(const Block& io, const char* values, bool has_values)
+{
+    return has_values ? std::max(states_in(open(io, "data", values)), int64_t{0}) : state_count(io, values);
+}
+
+// All states; the first ones where a failed call has left rows behind them.
+Transfer complete(const Block& io, const char* name, int64_t nstate, const char* values, const Shape& extents)
+{
+    const bool longer = states_in(open(io, "index", name)) > nstate;
+    return longer && state_count(io, values) == nstate ? rows({0, nstate}, extents) : whole();
+}
+
+}  // namespace
+
+bool is_empty_series(const Block& io) { return io.is_new || !has_state_count(io); }
+
+Growth grow(Block& io, const char* values, Shape extents, States added)
+{
+    if (io.stopped) return {};
+    const int64_t end = io.is_new ? 0 : complete_states(io, values, !extents.empty());
+    if (!countable(end, added)) fail_writing(io, -3);
+    return {end, added};
+}
+
+void index_parts(Block& io, const Index& x, int64_t states, Transfer idents, Transfer vals)
+{
+    if (io.stopped || (reading(io) && *x.nindex <= 0)) return;
+    const Shape shape{states, *x.nindex};
+    enter(io, "index");
+    integer_part(io, "indexident", x.indexident, shape, std::move(idents));
+    real_part(io, {.name = "indexval", .values = x.indexval.at}, shape, std::move(vals));
+}
+
+void append_index(Block& io, const Index& x, const Growth& g)
+{
+    const auto place = [&](const char* name) {
+        return rows({g.added.start + level(io, name, g.end), g.added.count}, {*x.nindex});
+    };
+    index_parts(io, x, growing, place("indexident"), place("indexval"));
+}
+
+void append_reals(Block& io, const RealArray& a, Shape extents, const Growth& g)
+{
+    real_part(io, a, with_states(growing, extents), rows(g.added, extents));
+}
+
+void append_integers(Block& io, const char* name, Arg<int32_t> values, Shape extents, const Growth& g)
+{
+    integer_part(io, name, values, with_states(growing, extents), rows(g.added, extents));
+}
+
+void append_state_count(Block& io, const Growth& g)
+{
+    auto nstate = static_cast<int32_t>(g.after());
+    enter(io, "header");
+    integer(io, "nstate", &nstate);
+}
+
+int32_t state_count(const Block& io, const char* values)
+{
+    const int64_t stored = stored_states(io, values);
+    const int64_t states = stored == none ? counted_states(io) : stored;
+    return static_cast<int32_t>(std::clamp(states, int64_t{0}, most_states));
+}
+
+void read_state_count(Block& io, const char* values, Arg<int32_t> nstate)
+{
+    if (io.stopped) return;
+    if (stored_states(io, values) == none && has_state_count(io)) return integer(io, "nstate", nstate);
+    *nstate = state_count(io, values);
+}
+
+void read_index(Block& io, const Index& x, int32_t nstate, const char* values)
+{
+    const auto place = [&](const char* name) { return complete(io, name, nstate, values, {*x.nindex}); };
+    index_parts(io, x, nstate, place("indexident"), place("indexval"));
+}
+
+void read_index(Block& io, const Index& x, States s)
+{
+    index_parts(io, x, growing, rows(s, {*x.nindex}), rows(s, {*x.nindex}));
+}
+
+Shape with_states(int64_t states, Shape extents)
+{
+    Shape shape{states};
+    for (int32_t i = 0; i < extents.rank(); ++i) shape.add(static_cast<int64_t>(extents.extents()[i]));
+    return shape;
+}
+
+Transfer rows(States s, Shape extents)
+{
+    const auto rank = static_cast<size_t>(extents.rank());
+    std::vector<int64_t> count{s.count}, start(rank + 1, 0);
+    count.insert(count.end(), extents.extents(), extents.extents() + rank);
+    start[0] = s.start;
+    return slab(count.data(), start.data(), rank + 1);
+}
+
+}  // namespace vak
