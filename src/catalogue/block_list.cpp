@@ -37,7 +37,7 @@ struct Array {
     void hand_over(T** caller)
     {
         *caller = at;
-        own.release();
+        static_cast<void>(own.release());
     }
 };
 

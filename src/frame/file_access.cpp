@@ -9,7 +9,7 @@ namespace {
 // where HDF5's own grows with the file.
 bool set_small_metadata_cache(hid_t list)
 {
-    constexpr size_t size = 512 * 1024;
+    constexpr size_t size = size_t{512} * 1024;
     H5AC_cache_config_t cache{};
     cache.version = H5AC__CURR_CACHE_CONFIG_VERSION;
     if (H5Pget_mdc_config(list, &cache) < 0) return false;

@@ -33,9 +33,9 @@ void print_versions(const Hdf5Version& hdf5)
 
 std::string version_text(int32_t which, const Hdf5Version& hdf5)
 {
-    const std::string library = "VAK-" VAK_RELEASE;
-    const std::string of_hdf5 = "HDF5-" + std::to_string(hdf5.major) + "." + std::to_string(hdf5.minor) +
-                                "." + std::to_string(hdf5.release);
+    std::string library = "VAK-" VAK_RELEASE;
+    std::string of_hdf5 = "HDF5-" + std::to_string(hdf5.major) + "." + std::to_string(hdf5.minor) + "." +
+                          std::to_string(hdf5.release);
     switch (which) {
         case 1: return build_id;
         case 2: return of_hdf5;
