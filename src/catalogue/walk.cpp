@@ -16,6 +16,7 @@ namespace {
 struct Link {
     std::string name;
     H5L_type_t type;
+    H5O_token_t target;  // of a hard link
 };
 
 // Which object a group is, however it was reached.
@@ -31,6 +32,7 @@ struct Level {
     std::vector<Link> links;
     size_t next;
     size_t path_length;
+    size_t named;  // the last level up to this one that was opened by its name
 };
 
 struct Walk {
@@ -68,7 +70,8 @@ herr_t collect(hid_t, const char* name, const H5L_info2_t* info, void* data) noe
     auto& collector = *static_cast<Collector*>(data);
     if (--collector.left < 0) return 1;
     try {
-        collector.links.push_back({name, info->type});
+        const bool hard = info->type == H5L_TYPE_HARD;
+        collector.links.push_back({name, info->type, hard ? info->u.token : H5O_TOKEN_UNDEF});
     } catch (const std::bad_alloc&) {
         collector.out_of_memory = true;
         return -1;
@@ -108,16 +111,15 @@ bool on_path(const Walk& walk, const Identity& identity)
 }
 
 // Makes the group the end of the current path, unless it stands there already.
-void enter(Walk& walk, Group group)
+void enter(Walk& walk, Group group, const std::optional<Identity>& identity, size_t named)
 {
-    const auto identity = identity_of(group.get());
     if (identity && on_path(walk, *identity)) return;
     if (!identity || walk.levels.size() > walk.limits.depth) {
         walk.incomplete = true;
         return;
     }
     auto links = links_of(walk, group.get());
-    walk.levels.push_back({std::move(group), *identity, std::move(links), 0, walk.path.size()});
+    walk.levels.push_back({std::move(group), *identity, std::move(links), 0, walk.path.size(), named});
 }
 
 void found(Walk& walk, int32_t key, hid_t group)
@@ -133,20 +135,35 @@ void found_block(Walk& walk, hid_t group)
     if (key != 0) found(walk, key, group);
 }
 
-void follow(Walk& walk, hid_t holder, const Link& link)
+// What a hard link leads to, which spares HDF5 the search for the name.
+Group open_target(hid_t holder, const H5O_token_t& target)
+{
+    Object object(H5Oopen_by_token(holder, target));
+    return Group(H5Iget_type(object.get()) == H5I_GROUP ? object.release() : H5I_INVALID_HID);
+}
+
+// What another link leads to, by the path that ends in it. HDF5 does not know the names of groups that were
+// opened as targets, and would search the whole file for them at an external link; so the path begins above.
+Group open_path(const Walk& walk, const Level& named)
+{
+    const size_t begin = named.path_length == 0 ? 0 : named.path_length + 1;
+    return Group(H5Gopen2(named.group.get(), walk.path.c_str() + begin, walk.guarded.get()));
+}
+
+void follow(Walk& walk, const Level& level, const Link& link)
 {
     const Role role = role_of(walk.family, link.name);
     if (role == Role::skipped) return;
-    const hid_t access = link.type == H5L_TYPE_HARD ? H5P_DEFAULT : walk.guarded.get();
-    Group group(H5Gopen2(holder, link.name.c_str(), access));
-    if (!group.valid()) return;
     if (!walk.path.empty()) walk.path += '/';
     walk.path += link.name;
-    switch (role) {
-        case Role::file_header: return found(walk, 1, H5I_INVALID_HID);
-        case Role::block: return found_block(walk, group.get());
-        default: return enter(walk, std::move(group));
-    }
+    const bool hard = link.type == H5L_TYPE_HARD;
+    Group group =
+        hard ? open_target(level.group.get(), link.target) : open_path(walk, walk.levels[level.named]);
+    if (!group.valid()) return;
+    if (role == Role::file_header) return found(walk, 1, H5I_INVALID_HID);
+    if (role == Role::block) return found_block(walk, group.get());
+    const auto identity = hard ? Identity{level.identity.file, link.target} : identity_of(group.get());
+    enter(walk, std::move(group), identity, hard ? level.named : walk.levels.size());
 }
 
 // Follows the next link of the last group on the path, or leaves that group.
@@ -159,7 +176,7 @@ void step(Walk& walk)
         return;
     }
     const Link link = std::move(level.links[level.next++]);
-    follow(walk, level.group.get(), link);
+    follow(walk, level, link);
 }
 
 }  // namespace
@@ -176,7 +193,8 @@ int32_t walk_blocks(Family family, hid_t start, const std::function<bool(const F
     Walk walk{family, visit, limits};
     Group group(H5Gopen2(start, ".", H5P_DEFAULT));
     if (!group.valid()) return 1;
-    enter(walk, std::move(group));
+    const auto identity = identity_of(group.get());
+    enter(walk, std::move(group), identity, 0);
     while (!walk.levels.empty() && !walk.ended) step(walk);
     return walk.incomplete ? 1 : 0;
 }
