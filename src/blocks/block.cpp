@@ -46,8 +46,9 @@ int64_t dataset(Block& io, const Field& f, Shape shape, Transfer part)
                               part.count.data(), part.start.data(), part.mode, place(io), f.flags,
                               io.storage.params.data()));
     } else {
-        take(io, VAK_H5Dread(f.name, f.values, f.type, f.memory_size, dims, shape.rank(), part.count.data(),
-                             part.start.data(), part.mode, place(io), &io.found.flags, io.found.params.data()));
+        take(io,
+             VAK_H5Dread(f.name, f.values, f.type, f.memory_size, dims, shape.rank(), part.count.data(),
+                         part.start.data(), part.mode, place(io), &io.found.flags, io.found.params.data()));
         io.found.any = io.found.any || (!io.stopped && !empty);
     }
     return static_cast<int64_t>(dims[0]);
@@ -159,7 +160,8 @@ int64_t integer_part(Block& io, const char* name, Arg<int32_t> values, Shape sha
 
 int64_t text_part(Block& io, const char* name, Arg<char> values, size_t length, Shape shape, Transfer part)
 {
-    return dataset(io, {name, values.at, text_type, length, length, io.storage.flags}, shape, std::move(part));
+    return dataset(io, {name, values.at, text_type, length, length, io.storage.flags}, shape,
+                   std::move(part));
 }
 
 Counts counts(Block& io, const char* name, Arg<int32_t> values, Shape shape)
@@ -248,7 +250,8 @@ static bool known_key(const BlockKind& kind, int32_t key)
 static void print_wrong_key(const BlockKind& kind, int32_t key)
 {
     if (kind.complex_key != 0) {
-        std::fprintf(stderr, "VAK ERROR - wrong block key %d, %d or %d expected\n", key, kind.key, kind.complex_key);
+        std::fprintf(stderr, "VAK ERROR - wrong block key %d, %d or %d expected\n", key, kind.key,
+                     kind.complex_key);
         return;
     }
     switch (kind.wrong_key) {
@@ -288,7 +291,8 @@ void check_pass(Block& io, int32_t pass, std::initializer_list<int32_t> known)
 {
     if (io.stopped || std::find(known.begin(), known.end(), pass) != known.end()) return;
     if (io.kind.complex_key != 0)
-        std::fprintf(stderr, "VAK INTERNAL ERROR reading block with key %d or %d\n", io.kind.key, io.kind.complex_key);
+        std::fprintf(stderr, "VAK INTERNAL ERROR reading block with key %d or %d\n", io.kind.key,
+                     io.kind.complex_key);
     else
         std::fprintf(stderr, "VAK INTERNAL ERROR reading block with key %d \n", io.kind.key);
     stop(io, -3);
@@ -304,7 +308,8 @@ void report_storage(const Block& io, Arg<int32_t> flags, Arg<int32_t> params)
 void refuse_existing(Block& io)
 {
     if (io.is_new) return;
-    std::fprintf(stderr, "VAK INTERNAL ERROR writing block key %d - \"%s\" already exists.\n", io.kind.key, io.kind.type);
+    std::fprintf(stderr, "VAK INTERNAL ERROR writing block key %d - \"%s\" already exists.\n", io.kind.key,
+                 io.kind.type);
     stop(io, -1);
 }
 

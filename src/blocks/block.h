@@ -1,8 +1,8 @@
 // One block while it is written or read.
 //
 // A block kind is a list of verbs, one for each field, in the order of the format's tables; the same list
-// writes and reads. The first step that fails stops the block: every verb after it does nothing, so that a list
-// needs no status tests. After a failed read the counts in the caller's variables may be anything; hand
+// writes and reads. The first step that fails stops the block: every verb after it does nothing, so that a
+// list needs no status tests. After a failed read the counts in the caller's variables may be anything; hand
 // them to verbs, which are then idle, and compute with them only through `total`.
 #pragma once
 
@@ -30,7 +30,7 @@ enum class EmptyRead { gives_zero, gives_key };
 
 struct BlockKind {
     int32_t key;
-    const char* type;       // the attribute "blocktype" and the type word of the path
+    const char* type;         // the attribute "blocktype" and the type word of the path
     int32_t complex_key = 0;  // kinds with a real and a complex variant
     WrongKeyText wrong_key = WrongKeyText::error_upper;
     EmptyRead empty_read = EmptyRead::gives_zero;
@@ -120,8 +120,8 @@ struct Block {
     std::string_view section_name;
     bool section_is_new = false;
     SharedIds shared;
-    int32_t status = 0;      // of the last step taken
-    bool stopped = false;    // a step failed
+    int32_t status = 0;    // of the last step taken
+    bool stopped = false;  // a step failed
 };
 
 inline bool reading(const Block& io) { return io.direction == Direction::read; }
@@ -141,11 +141,15 @@ void integers64(Block&, const char* name, Arg<int64_t>, Shape);
 void reals(Block&, const char* name, Arg<float>, Shape);        // never lossy: bit 128 cleared
 void lossy_reals(Block&, const char* name, Arg<float>, Shape);  // the caller's flags as they are
 
-// Counts that later lengths are summed from: delivered like `integers`, and returned even where the caller wants none.
+// Counts that later lengths are summed from: delivered like `integers`, and returned even where the caller
+// wants none.
 class Counts {
 public:
     Counts(const int32_t* at, int64_t n) : at_(at), n_(n) {}
-    Counts(std::vector<int32_t> own) : own_(std::move(own)), at_(own_.data()), n_(static_cast<int64_t>(own_.size())) {}
+    Counts(std::vector<int32_t> own)
+        : own_(std::move(own)), at_(own_.data()), n_(static_cast<int64_t>(own_.size()))
+    {
+    }
     Counts(Counts&&) = default;  // a moved vector keeps its elements where they are
     const int32_t* begin() const { return at_; }
     const int32_t* end() const { return at_ + n_; }
@@ -157,7 +161,8 @@ private:
 };
 Counts counts(Block&, const char* name, Arg<int32_t>, Shape);
 
-// Sum of counts. A negative entry gives a length that no dataset can have, so that the next verb fails; 0 once stopped.
+// Sum of counts. A negative entry gives a length that no dataset can have, so that the next verb fails; 0
+// once stopped.
 constexpr int64_t impossible_length = std::numeric_limits<int64_t>::max();
 int64_t total(const Block&, const Counts&);
 int64_t total(const int32_t* counts, int64_t n);
@@ -202,9 +207,9 @@ inline void finish_with_key(Block& io)
 }
 
 // The steps around the fields. The openers print what goes wrong and leave the block stopped.
-void refuse_existing(Block&);                 // "... already exists", -1
-void begin_reading(Block&);                   // no group: "header not found"; the key
-int32_t end_writing(Block&, Group&& group);   // closes; a failed close is a failed write
+void refuse_existing(Block&);                // "... already exists", -1
+void begin_reading(Block&);                  // no group: "header not found"; the key
+int32_t end_writing(Block&, Group&& group);  // closes; a failed close is a failed write
 
 // Writes a block that may exist only once.
 template <class Fields>

@@ -36,10 +36,7 @@ void unit_lists(Block& io, const Units& u, int64_t nbase, int64_t nderived)
     reals(io, "udexp", u.udexp, {nderived});
 }
 
-bool fits_count(int64_t total)
-{
-    return total <= std::numeric_limits<int32_t>::max();
-}
+bool fits_count(int64_t total) { return total <= std::numeric_limits<int32_t>::max(); }
 
 int32_t refuse_total(const BlockKind& kind) { return writing_failed(kind.key, -3); }
 

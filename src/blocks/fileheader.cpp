@@ -46,8 +46,9 @@ int32_t write_fileheader(Family family, hid_t location)
     const auto record = header_record(family);
     constexpr uint32_t params[2]{};
     hsize_t no_extents[1]{};
-    int32_t status = VAK_H5Dwrite("vakheader", record.data(), text_type, record_size, record_size, no_extents, 0,
-                                  nullptr, nullptr, whole_dataset, {group.get(), true, nullptr}, 0, params);
+    int32_t status =
+        VAK_H5Dwrite("vakheader", record.data(), text_type, record_size, record_size, no_extents, 0, nullptr,
+                     nullptr, whole_dataset, {group.get(), true, nullptr}, 0, params);
     if (!group.close() && status == 0) status = -1;
     if (status != 0) std::fprintf(stderr, "VAK ERROR writing header\n");
     return status;
@@ -75,8 +76,8 @@ int32_t read_fileheader(Family family, hid_t location, char* version, int32_t* f
     std::array<char, record_size + 1> record{};
     uint32_t found_flags = 0;
     int32_t found_params[2]{};
-    int32_t status = VAK_H5Dread("vakheader", record.data(), text_type, record_size, nullptr, 0, nullptr, nullptr,
-                                 whole_dataset, location, &found_flags, found_params);
+    int32_t status = VAK_H5Dread("vakheader", record.data(), text_type, record_size, nullptr, 0, nullptr,
+                                 nullptr, whole_dataset, location, &found_flags, found_params);
     if (status != 0) {
         std::fprintf(stderr, "VAK ERROR reading header\n");
         return status;

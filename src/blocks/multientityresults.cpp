@@ -123,12 +123,9 @@ void append_points(Block& io, const MultiEntityResults& r, const Values& v)
 void append_states(Block& io, const MultiEntityResults& r, const Values& v)
 {
     switch (v.mode) {
-        case whole_dataset:
-            return append_series(io, r, v);
-        case hyperslab:
-            return append_slab(io, r, v);
-        case point_list:
-            return append_points(io, r, v);
+        case whole_dataset: return append_series(io, r, v);
+        case hyperslab: return append_slab(io, r, v);
+        case point_list: return append_points(io, r, v);
         default:
             if (io.stopped) return;
             std::fprintf(stderr, "VAK ERROR writing block %s - invalid mode %d\n", kind.type, v.mode);

@@ -54,12 +54,9 @@ void choose_variant(Block& io, int32_t ivsize)
 int32_t parts_of_pass(Block& io, int32_t ipass)
 {
     switch (ipass) {
-        case 0:
-            return what::attributes | what::index;
-        case 1:
-            return what::attributes;
-        case 2:
-            return what::everything;
+        case 0: return what::attributes | what::index;
+        case 1: return what::attributes;
+        case 2: return what::everything;
         default:
             std::fprintf(stderr, "VAK INTERNAL ERROR reading \"%s\" block - ipass = %d\n", io.kind.type,
                          ipass);

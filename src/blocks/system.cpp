@@ -60,7 +60,8 @@ int32_t write_system(Family family, hid_t file, const System& s, const StorageOp
     });
 }
 
-int32_t read_system(Family family, hid_t group, int32_t ipass, const System& s, int32_t* flags, int32_t* params)
+int32_t read_system(Family family, hid_t group, int32_t ipass, const System& s, int32_t* flags,
+                    int32_t* params)
 {
     return read_block(kind, family, group, [&](Block& io) {
         header(io, s);

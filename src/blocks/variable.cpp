@@ -68,10 +68,11 @@ int32_t write_variable(hid_t file, Variable v, const StorageOptions& storage)
     auto lend = static_cast<int32_t>(nderived);
     v.lenb = &lenb;
     v.lend = &lend;
-    return write_block(kind, Family::current, file, {.names = {kind.type, v.varkey.at}}, storage, [&](Block& io) {
-        header(io, v);
-        data(io, v);
-    });
+    return write_block(kind, Family::current, file, {.names = {kind.type, v.varkey.at}}, storage,
+                       [&](Block& io) {
+                           header(io, v);
+                           data(io, v);
+                       });
 }
 
 int32_t read_variable(hid_t group, int32_t mode, const Variable& v, int32_t* flags, int32_t* params)

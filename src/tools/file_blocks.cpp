@@ -26,9 +26,10 @@ FileBlocks blocks_of(Family family, hid_t file)
 std::span<const int32_t> blocks_with_key(const FileBlocks& f, int32_t key)
 {
     const auto key_of = [&](int32_t i) { return f.blocks[static_cast<size_t>(i)].key; };
-    const auto first = std::partition_point(f.by_key.begin(), f.by_key.end(),
-                                            [&](int32_t i) { return key_of(i) < key; });
-    const auto last = std::partition_point(first, f.by_key.end(), [&](int32_t i) { return key_of(i) == key; });
+    const auto first =
+        std::partition_point(f.by_key.begin(), f.by_key.end(), [&](int32_t i) { return key_of(i) < key; });
+    const auto last =
+        std::partition_point(first, f.by_key.end(), [&](int32_t i) { return key_of(i) == key; });
     return {first, last};
 }
 

@@ -240,8 +240,7 @@ TEST(Shuffle, elements_of_every_size_come_back)
 {
     std::mt19937_64 random(5);
     for (size_t element = 1; element <= 17; ++element) {
-        for (const size_t size :
-             {size_t{1}, element, 3 * element + 1, 5000 * element + element / 2}) {
+        for (const size_t size : {size_t{1}, element, 3 * element + 1, 5000 * element + element / 2}) {
             std::vector<unsigned char> bytes(size);
             for (auto& b : bytes) b = static_cast<unsigned char>(random());
             std::vector<unsigned char> shuffled(size);

@@ -24,14 +24,10 @@ std::string type_text(hid_t type)
     const std::string bits = std::to_string(8 * H5Tget_size(type));
     const std::string order = H5Tget_order(type) == H5T_ORDER_BE ? "be" : "";
     switch (H5Tget_class(type)) {
-        case H5T_INTEGER:
-            return (H5Tget_sign(type) == H5T_SGN_NONE ? "uint" : "int") + bits + order;
-        case H5T_FLOAT:
-            return "float" + bits + order;
-        case H5T_STRING:
-            return text_type(type);
-        default:
-            return "class" + std::to_string(H5Tget_class(type)) + "[" + bits + "]";
+        case H5T_INTEGER: return (H5Tget_sign(type) == H5T_SGN_NONE ? "uint" : "int") + bits + order;
+        case H5T_FLOAT: return "float" + bits + order;
+        case H5T_STRING: return text_type(type);
+        default: return "class" + std::to_string(H5Tget_class(type)) + "[" + bits + "]";
     }
 }
 
@@ -63,16 +59,13 @@ std::string layout_text(hid_t properties)
 {
     std::array<hsize_t, H5S_MAX_RANK> chunk{};
     switch (H5Pget_layout(properties)) {
-        case H5D_COMPACT:
-            return " compact";
-        case H5D_CONTIGUOUS:
-            return H5Pget_external_count(properties) > 0 ? " external" : " contiguous";
+        case H5D_COMPACT: return " compact";
+        case H5D_CONTIGUOUS: return H5Pget_external_count(properties) > 0 ? " external" : " contiguous";
         case H5D_CHUNKED: {
             const int rank = H5Pget_chunk(properties, H5S_MAX_RANK, chunk.data());
             return " chunked" + list({chunk.data(), chunk.data() + rank}, "(", ")");
         }
-        default:
-            return " otherlayout";
+        default: return " otherlayout";
     }
 }
 
@@ -88,15 +81,12 @@ std::string filter_text(hid_t properties, unsigned place)
                                      ? ":optional"
                                      : "";
     switch (filter) {
-        case H5Z_FILTER_DEFLATE:
-            return " deflate(" + std::to_string(values[0]) + ")";
-        case H5Z_FILTER_SHUFFLE:
-            return " shuffle";
+        case H5Z_FILTER_DEFLATE: return " deflate(" + std::to_string(values[0]) + ")";
+        case H5Z_FILTER_SHUFFLE: return " shuffle";
         case H5Z_FILTER_SCALEOFFSET:
             return std::string(" scaleoffset(") + (values[0] == H5Z_SO_INT ? "int," : "float,") +
                    std::to_string(static_cast<int>(values[1])) + ")";
-        default:
-            return " filter" + std::to_string(filter) + optional;
+        default: return " filter" + std::to_string(filter) + optional;
     }
 }
 
@@ -180,12 +170,10 @@ std::string object_lines(hid_t group, const std::string& name, const std::string
     H5Oget_info3(object, &info, H5O_INFO_BASIC);
     const std::string end = (info.rc > 1 ? " links=" + std::to_string(info.rc) : "") + "\n";
     switch (info.type) {
-        case H5O_TYPE_GROUP:
-            return "G " + path + end + group_lines(object, path + "/");
+        case H5O_TYPE_GROUP: return "G " + path + end + group_lines(object, path + "/");
         case H5O_TYPE_DATASET:
             return "D " + path + " " + dataset_text(object) + end + attribute_lines(object, path + "@");
-        default:
-            return "T " + path + end;
+        default: return "T " + path + end;
     }
 }
 
