@@ -3,6 +3,7 @@
 
 #include <cstdio>
 #include <cstring>
+#include <limits>
 
 namespace vak {
 
@@ -25,8 +26,10 @@ NumberType number_type(int32_t type, size_t size)
     return {type, size, H5I_INVALID_HID, H5I_INVALID_HID};
 }
 
+// The file has 32 bits for the length of a text; HDF5 itself would cut off the rest.
 Type blank_padded(hid_t base, size_t size)
 {
+    if (size > std::numeric_limits<uint32_t>::max()) return Type();
     Type text(H5Tcopy(base));
     if (H5Tset_size(text.get(), size) < 0 || H5Tset_strpad(text.get(), H5T_STR_SPACEPAD) < 0) return Type();
     return text;
