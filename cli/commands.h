@@ -1,0 +1,12 @@
+// The program's subcommands.
+#pragma once
+
+#include <CLI/CLI.hpp>
+
+namespace vak::cli {
+
+// Each adds one subcommand, which does its work when it is chosen.
+void add_list(CLI::App& app);
+void add_import(CLI::App& app);
+
+}  // namespace vak::cli

@@ -1,0 +1,54 @@
+// vak: result files from the command line.
+#include <cstdio>
+#include <iostream>
+#include <new>
+#include <string>
+
+#include "commands.h"
+#include "problem.h"
+
+namespace {
+
+constexpr int cannot = 2;
+
+int refuse(const std::string& program, const std::string& what)
+{
+    std::fprintf(stderr, "%s: %s\n", program.c_str(), what.c_str());
+    return cannot;
+}
+
+std::string chosen(const CLI::App& app)
+{
+    const auto subcommands = app.get_subcommands();
+    return subcommands.empty() ? "vak" : "vak " + subcommands.front()->get_name();
+}
+
+std::string first_line(const std::string& text) { return text.substr(0, text.find('\n')); }
+
+}  // namespace
+
+int main(int argc, char** argv)
+{
+    CLI::App app("Lists, shows and makes block-structured result files.", "vak");
+    app.require_subcommand(1);
+    app.set_version_flag("--version", std::string("vak ") + VAK_VERSION);
+    vak::cli::add_list(app);
+    vak::cli::add_import(app);
+    try {
+        app.parse(argc, argv);
+        if (std::fflush(stdout) != 0)
+            return refuse(chosen(app), "the output could not be written; is the disk full?");
+        return 0;
+    } catch (const CLI::Success& asked) {
+        return app.exit(asked);
+    } catch (const CLI::ParseError& error) {
+        return refuse(chosen(app),
+                      first_line(error.what()) + " (" + chosen(app) + " --help tells the usage)");
+    } catch (const vak::cli::Problem& problem) {
+        return refuse(chosen(app), problem.what());
+    } catch (const std::bad_alloc&) {
+        return refuse(chosen(app), "not enough memory");
+    } catch (const std::exception& error) {
+        return refuse(chosen(app), error.what());
+    }
+}

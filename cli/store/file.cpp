@@ -1,0 +1,110 @@
+#include "store/file.h"
+
+#include <filesystem>
+#include <utility>
+
+#include "store/call.h"
+
+namespace vak::store {
+
+namespace {
+
+constexpr int32_t create_with_group = 0, read_at_root = 10;
+constexpr Int zero_terminated{-1}, open_existing{1};
+
+Int length(const std::string& text) { return {static_cast<int32_t>(text.size())}; }
+
+// run.h5/post/sub names a group in the file run.h5.
+bool names_group_in_file(std::filesystem::path path)
+{
+    while (path.has_relative_path() && path != path.parent_path()) {
+        path = path.parent_path();
+        if (std::filesystem::is_regular_file(path)) return true;
+    }
+    return false;
+}
+
+// Why a file cannot be opened, where that can be seen from outside.
+std::string reason(const std::string& path, const std::string& library)
+{
+    namespace fs = std::filesystem;
+    std::error_code error;
+    const fs::file_status status = fs::status(path, error);
+    if (names_group_in_file(path)) return "there is no such group, or the file is damaged (" + library + ")";
+    if (status.type() == fs::file_type::not_found) return "no such file";
+    if (status.type() == fs::file_type::directory) return "it is a folder; name a file in it";
+    if (status.type() == fs::file_type::none) return error.message();
+    if (status.type() != fs::file_type::regular) return "it is no regular file";
+    return "it is damaged or no HDF5 file (" + library + ")";
+}
+
+}  // namespace
+
+void File::open_root(const std::string& model, int32_t mode)
+{
+    int32_t status = 0;
+    LibraryMessages messages;
+    VAK_OPEN(path_.c_str(), length(path_), model.c_str(), length(model), "", Int{0}, &root_, Int{0},
+             Int{mode}, &status);
+    if (status == 0) return;
+    const std::string library = messages.text(status);
+    throw cli::Problem(path_ + (mode == read_at_root ? ": cannot be opened: " + reason(path_, library)
+                                                     : ": cannot be created: " + library));
+}
+
+File File::create(const std::string& path, const std::string& model)
+{
+    File file(path);
+    file.open_root(model, create_with_group);
+    return file;
+}
+
+File File::open(const std::string& path)
+{
+    File file(path);
+    file.open_root("", read_at_root);
+    if (std::filesystem::is_regular_file(path))
+        file.enter_model();  // else the caller has named a group in it
+    return file;
+}
+
+// The blocks lie below "post"; a file without it has them at its root.
+void File::enter_model()
+{
+    vak_id post = -1;
+    int32_t status = 0;
+    const LibraryMessages quiet;
+    VAK_H5GOPEN(&root_, "post", zero_terminated, open_existing, &post, &status);
+    if (status < 0) return;
+    VAK_H5GCLOSE(&root_, &status);
+    root_ = post;
+}
+
+File::File(File&& other) noexcept : path_(std::move(other.path_)), root_(std::exchange(other.root_, -1)) {}
+
+File::~File()
+{
+    int32_t ignored = 0;
+    if (root_ > 0) VAK_CLOSE(&root_, &ignored);
+}
+
+void File::close()
+{
+    const vak_id root = std::exchange(root_, -1);
+    int32_t status = 0;
+    VAK_CLOSE(&root, &status);
+    if (status < 0) throw cli::Problem(path_ + ": not everything could be written; is the disk full?");
+}
+
+Group::Group(const vak_id* location, const std::string& path)
+{
+    call("opening " + path, VAK_H5GOPEN, location, path.c_str(), zero_terminated, open_existing, &id_);
+}
+
+Group::~Group()
+{
+    int32_t ignored = 0;
+    VAK_H5GCLOSE(&id_, &ignored);
+}
+
+}  // namespace vak::store

@@ -1,0 +1,311 @@
+// vak import as a user calls it; what it stored is read back through the library.
+#include <gmock/gmock.h>
+#include <signal.h>
+#include <sys/resource.h>
+#include <vak_sp.h>
+
+#include <filesystem>
+
+#include "cli/frd_text.h"
+#include "cli/program.h"
+#include "cli/read_back.h"
+#include "import/part_file.h"
+#include "store/call.h"
+#include "store/file.h"
+#include "support/ids.h"
+
+using namespace vak::test;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::StartsWith;
+using vak::store::Int;
+
+namespace {
+
+const NodeValues two_nodes{{1, {0, 0, 0}}, {7, {1, 0.5, -2}}};
+const NodeValues vectors{{1, {1, 2, 3}}, {7, {4, 5, 6}}};
+
+std::string text_of(const char* field) { return {field, static_cast<size_t>(VAK_strlen(field, 256))}; }
+
+class Import : public testing::Test {
+protected:
+    Said import(const std::string& text)
+    {
+        write_text(frd, text);
+        return vak_says({"import", frd, "-o", h5});
+    }
+
+    std::vector<std::string> files() const
+    {
+        std::vector<std::string> names;
+        for (const auto& entry : std::filesystem::directory_iterator(folder.path()))
+            names.push_back(entry.path().filename());
+        return names;
+    }
+
+    FrdText head() const { return FrdText().head().nodes(two_nodes); }
+
+    const Said fine{.status = 0, .out = "", .err = ""};
+    TempFolder folder;
+    std::string frd = folder.file("run.frd"), h5 = folder.file("run.h5");
+};
+
+}  // namespace
+
+TEST_F(Import, the_file_holds_a_group_for_the_model_and_the_header)
+{
+    EXPECT_EQ(import(head().end().text()), fine);
+    const auto file = read_file(h5);
+    EXPECT_NO_THROW(open_object(file, "/run/vakheader/vakheader"));
+    EXPECT_NO_THROW(open_object(file, "/post/constant/system/vakblock"));
+}
+
+TEST_F(Import, the_system_block_tells_who_computed_what_and_when)
+{
+    import(head().end().text());
+    const vak::store::File file = vak::store::File::open(h5);
+    const vak::store::Group group(file.root(), "constant/system/vakblock");
+    char title[256], sys[256], solver[256], version[256], dates[4][8];
+    int32_t base = -1, derived = -1, flags = 0, params[2];
+    vak::store::call("reading", VAK_READ_SYSTEM, group.id(), Int{1}, title, sys, solver, version, dates[0],
+                     dates[1], dates[2], dates[3], &base, &derived, nullptr, nullptr, nullptr, nullptr,
+                     nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, &flags, params);
+    EXPECT_EQ(text_of(title), "Model: two nodes");
+    EXPECT_EQ(text_of(sys), "mill");
+    EXPECT_EQ(text_of(solver), "CalculiX");
+    EXPECT_EQ(text_of(version), "2.11");
+    EXPECT_EQ(std::string(dates[0], 8), "20160731");
+    EXPECT_EQ(std::string(dates[1], 8), "134659  ");
+    EXPECT_EQ(std::string(dates[2], 8), "20160731");
+    EXPECT_EQ(base, 0);
+    EXPECT_EQ(derived, 0);
+}
+
+TEST_F(Import, the_index_is_the_value_of_the_states)
+{
+    import(head().result("DISP", displacement, vectors, {440, 1, 2}).end().text());
+    const vak::store::File file = vak::store::File::open(h5);
+    const vak::store::Group group(file.root(), "constant/indices/vakblock");
+    int32_t nindex = 0;
+    char variable[256];
+    vak::store::call("reading", VAK_READ_INDEX, group.id(), nullptr, &nindex, variable, nullptr, nullptr);
+    EXPECT_EQ(nindex, 1);
+    EXPECT_EQ(text_of(variable), "FREQUENCY");
+    const vak::store::Group described(file.root(), "constant/variable/FREQUENCY/vakblock");
+}
+
+TEST_F(Import, a_variable_tells_components_and_tensor_map)
+{
+    import(head().result("STRESS", stress, {{ 1, { 1, 2, 3, 4, 5, 6 } }}).end().text());
+    const vak::store::File file = vak::store::File::open(h5);
+    const vak::store::Group group(file.root(), "constant/variable/STRESS/vakblock");
+    char key[256], cls[256], name[256], type[256], subscripts[18];
+    int32_t ncoo, rank, ndim, tensor, lenb, lend, lvmap, subslen, counts[6], offsets[6], flags, params[2];
+    float map[54];
+    vak::store::call("reading", VAK_READ_VARIABLE, group.id(), Int{3}, nullptr, key, cls, name, &ncoo, &rank,
+                     &ndim, &tensor, type, &lenb, &lend, &lvmap, &subslen, nullptr, nullptr, nullptr, nullptr,
+                     nullptr, nullptr, subscripts, counts, offsets, map, &flags, params);
+    EXPECT_EQ(text_of(key), "STRESS");
+    EXPECT_EQ(text_of(name), "STRESS");
+    EXPECT_EQ(text_of(cls), "CLASS_DISCRETE");
+    EXPECT_EQ(text_of(type), "FLOAT");
+    EXPECT_EQ(ncoo, 6);
+    EXPECT_EQ(rank, 2);
+    EXPECT_EQ(ndim, 3);
+    EXPECT_EQ(tensor, 4);
+    EXPECT_EQ(std::string(subscripts, 18), "SXXSYYSZZSXYSYZSZX");
+    EXPECT_THAT(offsets, ElementsAre(0, 3, 6, 9, 12, 15));
+    EXPECT_EQ(map[3 * 9 + 1], 1);
+    EXPECT_EQ(map[3 * 9 + 3], 1);
+}
+
+TEST_F(Import, node_coordinates_are_constant_entity_results)
+{
+    import(head().end().text());
+    const ReadBack read = read_back(h5, "constant/entityresults/NODE/COORD/vakblock");
+    EXPECT_EQ(read.key, 1000);
+    EXPECT_EQ(read.ncoo, 3);
+    EXPECT_EQ(read.frame, "GLOBAL");
+    EXPECT_THAT(read.nodes, ElementsAre(1, 7));
+    EXPECT_THAT(read.values, ElementsAre(0, 0, 0, 1, 0.5F, -2));
+}
+
+TEST_F(Import, a_result_block_holds_the_components_that_the_records_hold)
+{
+    import(head().result("DISP", displacement, vectors, {0.25, 3, 1}).end().text());
+    const ReadBack read = read_back(h5, "singlestate/state000000000003/entityresults/NODE/DISP/vakblock");
+    EXPECT_EQ(read.key, 1000);
+    EXPECT_EQ(read.etyp, "NODE");
+    EXPECT_EQ(read.variable, "DISP");
+    EXPECT_EQ(read.ncoo, 3);
+    EXPECT_EQ(read.state, 3);
+    EXPECT_EQ(read.value, 0.25F);
+    EXPECT_EQ(read.analysis, 1);
+    EXPECT_THAT(read.nodes, ElementsAre(1, 7));
+    EXPECT_THAT(read.values, ElementsAre(1, 2, 3, 4, 5, 6));
+}
+
+TEST_F(Import, a_complex_pair_becomes_one_complex_block)
+{
+    FrdText text = head();
+    text.result("DISP", displacement, vectors).result("NDTEMP", temperature, {{1, {20}}});
+    import(text.result("DISPI", displacement, {{1, { -1, -2, -3 }}, { 7, { -4, -5, -6 } }}).end().text());
+    const ReadBack read = read_back(h5, "singlestate/state000000000001/entityresults/NODE/DISP/vakblock");
+    EXPECT_EQ(read.key, 1001);
+    EXPECT_THAT(read.values, ElementsAre(1, -1, 2, -2, 3, -3, 4, -4, 5, -5, 6, -6));
+    EXPECT_EQ(read_back(h5, "singlestate/state000000000001/entityresults/NODE/NDTEMP/vakblock").key, 1000);
+    EXPECT_THROW(open_object(read_file(h5), "/post/singlestate/state000000000001/entityresults/NODE/DISPI"),
+                 std::runtime_error);
+}
+
+TEST_F(Import, a_result_on_some_nodes_only_holds_these)
+{
+    import(head().result("CONTACT", temperature, {{ 7, { 2.5 } }}).end().text());
+    const ReadBack read = read_back(h5, "singlestate/state000000000001/entityresults/NODE/CONTACT/vakblock");
+    EXPECT_THAT(read.nodes, ElementsAre(7));
+    EXPECT_THAT(read.values, ElementsAre(2.5F));
+}
+
+TEST_F(Import, not_a_number_and_infinity_are_stored_as_they_are)
+{
+    FrdText text = head();
+    text.result_head("NDTEMP", temperature, 2, {})
+        .line(" -1         1         NaN")
+        .line(" -1         7         INF");
+    EXPECT_EQ(import(text.line(" -3").end().text()), fine);
+    const ReadBack read = read_back(h5, "singlestate/state000000000001/entityresults/NODE/NDTEMP/vakblock");
+    EXPECT_TRUE(std::isnan(read.values[0]));
+    EXPECT_EQ(read.values[1], std::numeric_limits<float>::infinity());
+}
+
+TEST_F(Import, a_file_without_nodes_and_results_imports)
+{
+    EXPECT_EQ(import(FrdText().head().end().text()), fine);
+    EXPECT_EQ(import(head().result("DISP", displacement, {}).end().text()), fine);
+}
+
+TEST_F(Import, an_existing_output_is_replaced_only_by_a_complete_one)
+{
+    import(head().result("DISP", displacement, vectors).end().text());
+    const std::string before = contents(h5);
+    EXPECT_EQ(import(head().result("DISP", displacement, vectors).text()).status, 2);
+    EXPECT_EQ(contents(h5), before);
+    EXPECT_EQ(import(head().end().text()), fine);
+    EXPECT_NE(contents(h5), before);
+}
+
+TEST_F(Import, the_same_input_gives_the_same_bytes)
+{
+    import(head().result("DISP", displacement, vectors).end().text());
+    const std::string first = contents(h5);
+    import(contents(frd));
+    EXPECT_EQ(contents(h5), first);
+}
+
+TEST_F(Import, a_truncated_file_is_refused_in_one_line_and_leaves_nothing)
+{
+    const Said said =
+        import(head().result_head("DISP", displacement, 2, {}).values_line(1, {1, 2, 3}).text());
+    EXPECT_EQ(said, (Said{.status = 2,
+                          .out = "",
+                          .err = "vak import: " + frd +
+                                 ", line 21: the file ends before the end of the block (-3); " +
+                                 "let the solver write it again\n"}));
+    EXPECT_THAT(files(), ElementsAre("run.frd"));
+}
+
+TEST_F(Import, damage_in_the_values_is_refused_and_leaves_nothing)
+{
+    FrdText text = head();
+    text.result("DISP", displacement, vectors).result_head("NDTEMP", temperature, 2, {2, 2, 0});
+    text.values_line(1, {1}).line(" -1         7 1.0000??+00").line(" -3").end();
+    const Said said = import(text.text());
+    EXPECT_EQ(said.status, 2);
+    EXPECT_EQ(said.err, "vak import: " + frd + ", line 29: the values cannot be read; the file is damaged\n");
+    EXPECT_THAT(files(), ElementsAre("run.frd"));
+}
+
+TEST_F(Import, parts_of_a_complex_result_on_different_nodes_are_refused)
+{
+    FrdText text = head();
+    text.result("NDTEMP", temperature, {{1, {20}}}).result("NDTEMPI", temperature, {{7, {20}}});
+    const Said said = import(text.end().text());
+    EXPECT_EQ(said.status, 2);
+    EXPECT_THAT(said.err,
+                HasSubstr(frd + ", line 21: the nodes of the imaginary part are not those of the real part"));
+    EXPECT_THAT(files(), ElementsAre("run.frd"));
+}
+
+TEST_F(Import, what_cannot_be_written_is_told_in_one_line)
+{
+    write_text(frd, head().end().text());
+    const auto says = [&](const std::string& output) { return vak_says({"import", frd, "-o", output}).err; };
+    EXPECT_EQ(says(folder.path()), "vak import: " + folder.path() + ": is a folder; name a file in it\n");
+    EXPECT_EQ(says(folder.file("no/run.h5")), "vak import: " + folder.file("no/run.h5") +
+                                                  ": cannot be written: the folder " + folder.file("no") +
+                                                  " (No such file or directory)\n");
+    EXPECT_EQ(says(frd), "vak import: " + frd + ": is the result file itself; name another file with -o\n");
+    EXPECT_THAT(contents(frd), StartsWith("    1C"));
+}
+
+TEST_F(Import, a_full_disk_is_told_in_one_line_and_leaves_nothing)
+{
+    FrdText text = head();
+    NodeValues many;
+    for (int node = 1; node <= 20000; ++node) many.push_back({node, {1.0 * node, 2, 3}});
+    write_text(frd, text.result("DISP", displacement, many).end().text());
+    const TempFolder said_folder;
+    rlimit before{};
+    getrlimit(RLIMIT_FSIZE, &before);
+    rlimit small = before;
+    small.rlim_cur = 100'000;
+    setrlimit(RLIMIT_FSIZE, &small);
+    signal(SIGXFSZ, SIG_IGN);
+    const pid_t child = start({"import", frd, "-o", h5}, said_folder);
+    setrlimit(RLIMIT_FSIZE, &before);
+    const Said said = finish(child, said_folder);
+    signal(SIGXFSZ, SIG_DFL);
+    EXPECT_EQ(said.status, 2);
+    EXPECT_EQ(std::count(said.err.begin(), said.err.end(), '\n'), 1) << said.err;
+    EXPECT_THAT(said.err, StartsWith("vak import: "));
+    EXPECT_THAT(files(), ElementsAre("run.frd"));
+}
+
+TEST_F(Import, being_ended_by_a_signal_leaves_nothing)
+{
+    for (const int ending : {SIGINT, SIGTERM, SIGHUP}) {
+        const pid_t child = fork();
+        if (child == 0) {
+            const vak::import::PartFile part(h5);
+            write_text(part.path(), "half of it");
+            raise(ending);
+            _exit(0);
+        }
+        int status = 0;
+        waitpid(child, &status, 0);
+        EXPECT_TRUE(WIFSIGNALED(status));
+        EXPECT_EQ(WTERMSIG(status), ending);
+        EXPECT_TRUE(files().empty());
+    }
+}
+
+TEST(ImportUsage, missing_arguments_are_told_in_one_line)
+{
+    EXPECT_EQ(vak_says({"import"}),
+              (Said{.status = 2,
+                    .out = "",
+                    .err = "vak import: RESULT is required (vak import --help tells the usage)\n"}));
+    EXPECT_EQ(vak_says({"import", "a.frd"}).err,
+              "vak import: --output is required (vak import --help tells the usage)\n");
+    EXPECT_EQ(vak_says({}).err, "vak: A subcommand is required (vak --help tells the usage)\n");
+    EXPECT_EQ(vak_says({"export"}).status, 2);
+    EXPECT_EQ(vak_says({"import", "none.frd", "-o", "x.h5"}).err,
+              "vak import: none.frd: cannot be read (No such file or directory)\n");
+}
+
+TEST(ImportUsage, help_and_version_are_no_failures)
+{
+    EXPECT_EQ(vak_says({"--version"}), (Said{.status = 0, .out = "vak 2.2.14\n", .err = ""}));
+    EXPECT_THAT(vak_says({"import", "--help"}).out, HasSubstr("RESULT"));
+    EXPECT_EQ(vak_says({"--help"}).status, 0);
+}
