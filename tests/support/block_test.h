@@ -1,0 +1,100 @@
+// The fixture of the tests of one kind of block. What a call gave is one value, so that a test reads
+//
+//   EXPECT_EQ(write(parts), success);
+//   EXPECT_EQ(write(parts), failure(-1, "VAK INTERNAL ERROR writing block key 100 - \"parts\" already
+//   exists.\n"));
+#pragma once
+
+#include "frame/paths.h"
+#include "support/library.h"
+
+namespace vak::test {
+
+// The status of an exported call and what it printed.
+struct Result {
+    int32_t ierr = 0;
+    Output output;
+
+    bool operator==(const Result&) const = default;
+};
+
+inline std::ostream& operator<<(std::ostream& stream, const Result& result)
+{
+    return stream << "ierr " << result.ierr << ", " << result.output;
+}
+
+inline const Result success;
+
+inline Result status(int32_t ierr) { return {ierr, {}}; }
+
+inline Result failure(int32_t ierr, const std::string& line) { return {ierr, {"", line}}; }
+
+// A sample of that family.
+template <class S>
+S sample_of(Family family)
+{
+    if constexpr (requires { S::of(family); }) {
+        return S::of(family);
+    } else {
+        S sample;
+        sample.family = family;
+        return sample;
+    }
+}
+
+class BlockTest : public LibraryTest {
+protected:
+    template <class Routine>
+    Result run(Routine&& routine)
+    {
+        Result result;
+        result.output = call([&] { result.ierr = routine(); });
+        return result;
+    }
+
+    template <class S>
+    Result write(const S& sample)
+    {
+        return run([&] { return sample.write(file); });
+    }
+
+    // Reads from the place that the sample belongs to, or from another one.
+    template <class S>
+    Result read(S& sample, int32_t mode)
+    {
+        return read(sample, mode, sample.found_at.empty() ? sample.path() : sample.found_at);
+    }
+    template <class S>
+    Result read(S& sample, int32_t mode, const std::string& path)
+    {
+        const ObjectId group = open_object(file, path);
+        return run([&] { return sample.read(group, mode); });
+    }
+
+    // How it is stored.
+    template <class S>
+    std::string stored(const S& sample)
+    {
+        return layout(file, sample.path());
+    }
+};
+
+// Runs once for each family: INSTANTIATE_TEST_SUITE_P(, MyTest, both_families, family_name)
+class BothFamilies : public BlockTest, public testing::WithParamInterface<Family> {
+protected:
+    Family family() const { return GetParam(); }
+    bool legacy() const { return family() == Family::legacy; }
+
+    template <class S>
+    S sample() const
+    {
+        return sample_of<S>(family());
+    }
+};
+
+inline const auto both_families = testing::Values(Family::current, Family::legacy);
+inline const auto family_name = [](const auto& info) {
+    return std::string(info.param == Family::legacy ? "legacy" : "current");
+};
+
+}  // namespace vak::test
