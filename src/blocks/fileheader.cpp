@@ -71,13 +71,31 @@ bool has_version_of(Family family, const char* text)
     return std::sscanf(text, "%d %d %d", &v[0], &v[1], &v[2]) == 3 && v == version_of(family);
 }
 
+bool has_several_records(hid_t location)
+{
+    const Dataset dataset(H5Dopen2(location, "vakheader", H5P_DEFAULT));
+    const Space space(H5Dget_space(dataset.get()));
+    return H5Sget_simple_extent_npoints(space.get()) > 1;
+}
+
+// Of several records the first could be read as a single value, but a header has one. So they are asked for
+// in a rank that they do not have, which the storage layer refuses.
+int32_t read_record(hid_t location, char* record, uint32_t* flags, int32_t* params)
+{
+    constexpr int32_t impossible_rank = H5S_MAX_RANK - 1;
+    std::array<hsize_t, impossible_rank> extents;
+    extents.fill(1);
+    const int32_t rank = has_several_records(location) ? impossible_rank : 0;
+    return VAK_H5Dread("vakheader", record, text_type, record_size, extents.data(), rank, nullptr, nullptr,
+                       whole_dataset, location, flags, params);
+}
+
 int32_t read_fileheader(Family family, hid_t location, char* version, int32_t* flags, int32_t* params)
 {
     std::array<char, record_size + 1> record{};
     uint32_t found_flags = 0;
     int32_t found_params[2]{};
-    int32_t status = VAK_H5Dread("vakheader", record.data(), text_type, record_size, nullptr, 0, nullptr,
-                                 nullptr, whole_dataset, location, &found_flags, found_params);
+    int32_t status = read_record(location, record.data(), &found_flags, found_params);
     if (status != 0) {
         std::fprintf(stderr, "VAK ERROR reading header\n");
         return status;
