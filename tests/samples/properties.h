@@ -1,5 +1,7 @@
 #pragma once
 
+#include <optional>
+
 #include "samples/sample.h"
 #include "support/ids.h"
 #include "vak_sp.h"
@@ -22,7 +24,8 @@ struct PropertyTables : Sample {
     int32_t mode = everything_mode;  // of writing
     int32_t row_mode = 0;
     std::vector<int64_t> rows;
-    int64_t row_count() const { return static_cast<int64_t>(rows.size()); }
+    std::optional<int64_t> claimed_rows;  // when not as many as are listed
+    int64_t row_count() const { return claimed_rows.value_or(static_cast<int64_t>(rows.size())); }
 
     static std::string path() { return "properties"; }  // the caller's choice
 

@@ -71,6 +71,19 @@ protected:
         return run([&] { return sample.read(group, mode); });
     }
 
+    // Puts another value into the file, which no writer would.
+    void falsify_attribute(const std::string& object, const std::string& name, int32_t value)
+    {
+        const ObjectId holder = open_object(file, object);
+        const AttributeId attribute = open_attribute(holder, ".", name);
+        EXPECT_GE(H5Awrite(attribute, H5T_NATIVE_INT32, &value), 0);
+    }
+    void falsify_dataset(const std::string& path, const std::vector<int32_t>& values)
+    {
+        const ObjectId dataset = open_object(file, path);
+        EXPECT_GE(H5Dwrite(dataset, H5T_NATIVE_INT32, H5S_ALL, H5S_ALL, H5P_DEFAULT, values.data()), 0);
+    }
+
     // How it is stored.
     template <class S>
     std::string stored(const S& sample)
