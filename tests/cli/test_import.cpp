@@ -194,12 +194,22 @@ TEST_F(Import, an_existing_output_is_replaced_only_by_a_complete_one)
     EXPECT_NE(contents(h5), before);
 }
 
-TEST_F(Import, the_same_input_gives_the_same_bytes)
+// HDF5 keeps the second of its making with every dataset: a message of 8 bytes, version 1 and the time.
+std::string without_times(std::string bytes)
+{
+    const std::string message("\x12\0\x08\0\0\0\0\0\1\0\0\0", 12);
+    for (size_t at = 0; (at = bytes.find(message, at)) != std::string::npos; at += message.size())
+        bytes.replace(at + message.size(), 4, 4, '\0');
+    return bytes;
+}
+
+TEST_F(Import, the_same_input_gives_the_same_bytes_but_for_the_time)
 {
     import(head().result("DISP", displacement, vectors).end().text());
     const std::string first = contents(h5);
     import(contents(frd));
-    EXPECT_EQ(contents(h5), first);
+    EXPECT_NE(without_times(first), first);
+    EXPECT_EQ(without_times(contents(h5)), without_times(first));
 }
 
 TEST_F(Import, a_truncated_file_is_refused_in_one_line_and_leaves_nothing)
