@@ -93,8 +93,9 @@ Transfer slab(const int64_t* count, const int64_t* start, size_t rank)
 
 Transfer points(int64_t number, const int64_t* coordinates, size_t rank)
 {
-    const size_t n = number > 0 ? static_cast<size_t>(number) : 0;
+    if (number <= 0) return {point_list, {0}, {0}};
     constexpr size_t most = std::numeric_limits<std::ptrdiff_t>::max() / sizeof(hsize_t);
+    const auto n = static_cast<size_t>(number);
     if (n > most / rank) throw std::bad_alloc();
     return {point_list, {n}, extents_of(coordinates, n * rank)};
 }
