@@ -124,12 +124,17 @@ void hand_over(Collection& all, const BlockList& list)
 
 int32_t count_blocks(const BlockList& list, Family family, hid_t start, const Accept& accept)
 {
-    return walk_blocks(family, start, [&](const FoundBlock& block) {
+    int32_t nblocks = 0;
+    int64_t total_len = 0;
+    const int32_t status = walk_blocks(family, start, [&](const FoundBlock& block) {
         if (!accept(block)) return true;
-        ++*list.nblocks;
-        *list.total_len += static_cast<int64_t>(block.path.size()) + 1;
+        ++nblocks;
+        total_len += static_cast<int64_t>(block.path.size()) + 1;
         return true;
     });
+    *list.nblocks = nblocks;
+    *list.total_len = total_len;
+    return status;
 }
 
 int32_t collect_blocks(const BlockList& list, Family family, hid_t start, const char* routine,
