@@ -8,6 +8,7 @@ work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
 
 "$CMAKE" --install "$VAK_BUILD" --prefix "$work/prefix" >"$work/install.log" || { cat "$work/install.log"; exit 1; }
+"$work/prefix/bin/vak" --version >"$work/version.log" || { cat "$work/version.log"; exit 1; }
 mkdir "$work/project"
 cp "$here/consumer/CMakeLists.txt" "$work/project"
 cp "$here/abi_c.c" "$work/project/program.c"
