@@ -1111,27 +1111,28 @@ VAK_API void VAK1_READ_SPARSEMATRIX(
 
 /* ==== Block catalogue ====================================================== */
 
-/* Lists the blocks below the group (or file) loc_id, in the order of the names of their groups; vak1_lookup those of the
- * legacy layout. Soft, hard and external links are followed, files behind external links are opened to read
- * only. What leads nowhere and blocks without a readable key are passed over without a message.
+/* Lists the blocks below the group (or file) loc_id, in the order of the names of their groups; vak1_lookup
+ * those of the legacy layout. Soft, hard and external links are followed, files behind external links are opened
+ * to read only. What leads nowhere and blocks without a readable key are passed over without a message.
  *
- * collect    below 1 counts: gives nblocks and total_len; what follows them is not touched and may be null.
- *            Otherwise collects: gives the three arrays too, and the listing on standard output if verbose > 0.
+ * collect    below 1 counts: gives nblocks and total_len; the other arguments but ierr are not touched and may be
+ *            null. Otherwise collects: gives the three arrays too, and with verbose > 0 prints the listing on
+ *            standard output.
+ * capacity   in, out: blocks for which keys has room, and offsets for one more. Below 1 both are made (10,000).
+ * pool_size  in, out: bytes for which paths has room. Below 1 it is made (2,560,000).
  * nblocks    number of blocks. total_len: length of all paths, a zero byte each included.
  * keys       keys[nblocks]: the keys of the blocks, 1 for the file header.
  * offsets    offsets[nblocks+1]: path k begins at paths + offsets[k]; the last is total_len.
- * paths      the paths from loc_id, zero-terminated one after the other, down to the block's own group: "vakheader",
- *            "constant/system/vakblock", legacy "constant/system/header".
- * capacity   in, out: blocks for which keys has room, and offsets for one more. Below 1 both are allocated (10,000).
- * pool_size  in, out: bytes for which paths has room. Below 1 it is allocated (2,560,000).
+ * paths      the paths from loc_id, zero-terminated one after the other, down to the block's own group:
+ *            "vakheader", "constant/system/vakblock", legacy "constant/system/header".
  *
- * Who frees: an array that is too small is left as it is, and a larger one with the same contents takes its place.
- * So an array belongs to the caller as before if its pointer comes back unchanged; otherwise it was made by malloc,
- * and the caller gives it to free in addition to his own. Two calls, counting and then collecting with capacity =
- * nblocks and pool_size = total_len, allocate nothing.
- * ierr: 0; 1 the list is not complete: no memory for a larger array, a group that cannot be listed, more than 1,024 levels
- * of groups or 10 million links (what was found is delivered); -1 loc_id is no group or file, or no
- * memory to begin with (0 blocks, the arrays as passed). */
+ * Who frees: an array that is too small is left as it is, and a larger one with the same contents takes its
+ * place. So an array belongs to the caller as before if its pointer comes back unchanged; otherwise it was made
+ * by malloc, and the caller frees it, and his own as ever. Two calls, counting and then collecting with
+ * capacity = nblocks and pool_size = total_len, allocate nothing.
+ * ierr: 0; 1 the list is not complete: no memory for a larger array, a group that cannot be listed, more than
+ * 1,024 levels of groups or 10 million links (what was found is delivered); -1 loc_id is no group or file, or
+ * no memory (0 blocks, the arrays as passed). */
 VAK_API void vak_lookup(
     const vak_id *loc_id,
     const int32_t *collect, const int32_t *verbose, int32_t *capacity, int64_t *pool_size,
@@ -1141,11 +1142,11 @@ VAK_API void vak1_lookup(
     const int32_t *collect, const int32_t *verbose, int32_t *capacity, int64_t *pool_size,
     int32_t *nblocks, int64_t *total_len, int32_t **keys, int64_t **offsets, char **paths, int32_t *ierr);
 
-/* The same for the blocks that meet all criteria that apply. A block that lacks what a criterion asks for does not
- * meet it; the file header is listed only when none applies.
+/* The same for the blocks that meet all criteria that apply. A block that lacks what a criterion asks for does
+ * not meet it; the file header is listed only when none applies.
  *
- * blocktype, series, etypvar, etypzone   the texts of the block's attributes of these names. Not applied when
- *            "undefined" or blank.
+ * blocktype, series, etypvar, etypzone   the texts of the block's attributes of these names; not applied when
+ *            "undefined" or blank
  * etyp       likewise, the first of etyp, etypelem, etyppart, etypcoll, etyptext that the block has
  * zoneid     the block's attribute; not applied below 0
  * state      the number of the last level of the path that is a state's (state000000000012); not applied below 0
@@ -1166,21 +1167,21 @@ VAK_API void VAK1_SEARCHBLOCKS(
 
 /* ==== Counted texts, sorting, searching ==================================== */
 
-/* These take plain values. The significant characters of a field of n characters are those up to its first zero byte, less
- * trailing ones that are not graphic (blanks, control characters). */
+/* These take plain values. The significant characters of a field of n characters are those up to its first zero
+ * byte, less trailing ones that are not graphic (blanks, control characters). */
 
 /* The number of significant characters; 0 if n < 1. */
 VAK_API int32_t VAK_strlen(const char *field, int32_t n);
 
-/* The order of two fields by their significant characters, as unsigned bytes: negative, 0 or positive. A field with
- * which the other begins comes first. */
+/* The order of two fields by their significant characters, as unsigned bytes: negative, 0 or positive. A field
+ * with which the other begins comes first. */
 VAK_API int32_t VAK_strncmp(const char *a, const char *b, int32_t n);
 
 /* Writes the significant characters to the stream. Result: how many were written. */
 VAK_API int32_t VAK_putc(const char *field, int32_t n, FILE *stream);
 
-/* Sort perm[lo..hi], positions from 0, hi included, so that the elements with these numbers ascend; the data stay
- * in place. Equal elements keep no particular order, but always the same one.
+/* Sort perm[lo..hi], positions from 0, hi included, so that the elements with these numbers ascend; the data
+ * stay in place. Equal elements keep no particular order, but always the same one.
  * i, j: int32 values. c: fields of len characters one after the other, by VAK_strncmp. cp: pointers to
  * zero-terminated strings, by strcmp. */
 VAK_API void vak_iquicksort(const int32_t *values, int32_t *perm, int32_t lo, int32_t hi);
@@ -1188,8 +1189,8 @@ VAK_API void vak_jquicksort(const int32_t *values, int32_t *perm, int32_t lo, in
 VAK_API void vak_cquicksort(const char *fields, int32_t *perm, int32_t lo, int32_t hi, int32_t len);
 VAK_API void vak_cpquicksort(const char *const *strings, int32_t *perm, int32_t lo, int32_t hi);
 
-/* Search perm[lo..hi] by halving for the key. pos: its position in perm (the element is perm[pos]), or -1. With perm
- * null the position is the element itself. vak_cpbsearch has no perm: element k is the zero-terminated
+/* Search perm[lo..hi] by halving for the key. pos: its position in perm (the element is perm[pos]), or -1. With
+ * perm null the position is the element itself. vak_cpbsearch has no perm: element k is the zero-terminated
  * string at pool + offsets[k], or at pool + k with offsets null. */
 VAK_API void vak_ibsearch(
     int32_t key, const int32_t *values, const int32_t *perm, int32_t lo, int32_t hi, int32_t *pos);
