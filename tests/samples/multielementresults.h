@@ -32,13 +32,13 @@ struct MultiElementResults : Sample {
     // The state behind this one, with values of its own; ipos is its place.
     MultiElementResults next() const
     {
-        MultiElementResults state = *this;
-        ++state.ipos;
-        ++state.nstate;
-        for (int32_t& ident : state.index.indexident) ident += 10;
-        for (float& value : state.index.indexval) value += 1.0F;
-        for (float& value : state.res) value += 100.0F;
-        return state;
+        MultiElementResults later = *this;
+        ++later.ipos;
+        ++later.nstate;
+        for (int32_t& ident : later.index.indexident) ident += 10;
+        for (float& value : later.index.indexval) value += 1.0F;
+        for (float& value : later.res) value += 100.0F;
+        return later;
     }
 
     std::string path() const
