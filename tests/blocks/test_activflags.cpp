@@ -130,7 +130,8 @@ TEST_P(ActivFlagsInBothFamilies, without_index_values_the_block_is_constant)
     auto written = sample<ActivFlags>();
     written.index.nindex = 0;
     EXPECT_EQ(write(written), success);
-    EXPECT_TRUE(exists(file, std::string("constant/activflags/ELEMENT") + (legacy() ? "/index" : "/vakblock")));
+    EXPECT_TRUE(
+        exists(file, std::string("constant/activflags/ELEMENT") + (legacy() ? "/index" : "/vakblock")));
     for (const int32_t pass : {0, 2}) {
         auto block = emptied(written);
         EXPECT_EQ(read(block, pass), success);
@@ -143,7 +144,8 @@ TEST_P(ActivFlagsInBothFamilies, index_of_minus_1_is_multistate)
     auto written = sample<ActivFlags>();
     written.index.nindex = -1;
     EXPECT_EQ(write(written), success);
-    EXPECT_TRUE(exists(file, std::string("multistate/activflags/ELEMENT") + (legacy() ? "/data" : "/vakblock")));
+    EXPECT_TRUE(
+        exists(file, std::string("multistate/activflags/ELEMENT") + (legacy() ? "/data" : "/vakblock")));
     EXPECT_THAT(stored(written), testing::Not(testing::HasSubstr("indexident")));
     auto block = emptied(written);
     EXPECT_EQ(read(block, 2), success);
@@ -155,13 +157,15 @@ TEST_P(ActivFlagsInBothFamilies, negative_state_nests_the_states_of_the_index)
     auto written = sample<ActivFlags>();
     written.state = -1;
     EXPECT_EQ(write(written), success);
-    EXPECT_TRUE(exists(file, std::string("singlestate/state000000000005/state000000000004/activflags/ELEMENT") +
-                                 (legacy() ? "/data" : "/vakblock")));
+    EXPECT_TRUE(
+        exists(file, std::string("singlestate/state000000000005/state000000000004/activflags/ELEMENT") +
+                         (legacy() ? "/data" : "/vakblock")));
 }
 
 TEST_P(ActivFlagsInBothFamilies, value_size_is_that_of_the_stored_index_values)
 {
-    for (const auto& [ivsize, real] : {std::pair{0, "float32"}, {-8, "float32"}, {4, "float32"}, {8, "float64"}}) {
+    for (const auto& [ivsize, real] :
+         {std::pair{0, "float32"}, {-8, "float32"}, {4, "float32"}, {8, "float64"}}) {
         auto written = sample<ActivFlags>();
         written.ivsize = ivsize;
         written.state = ivsize + 100;
@@ -176,9 +180,10 @@ TEST_P(ActivFlagsInBothFamilies, other_value_sizes_are_refused_by_the_storage_la
     auto written = sample<ActivFlags>();
     written.ivsize = 16;
     EXPECT_EQ(write(written),
-              failure(-3002, "VAK INTERNAL ERROR (2) in VAK_H5gettype - vak_type, data_size: 3 16\n"
-                             "VAK INTERNAL ERROR (3) in VAK_H5Dwrite - name, vak_type, data_size, vak_size, mode, "
-                             "error: indexval 3 4 16 0 -1\n"));
+              failure(-3002,
+                      "VAK INTERNAL ERROR (2) in VAK_H5gettype - vak_type, data_size: 3 16\n"
+                      "VAK INTERNAL ERROR (3) in VAK_H5Dwrite - name, vak_type, data_size, vak_size, mode, "
+                      "error: indexval 3 4 16 0 -1\n"));
 }
 
 TEST_P(ActivFlagsInBothFamilies, index_values_alone_are_kept_from_scale_offset)
@@ -194,9 +199,11 @@ TEST_P(ActivFlagsInBothFamilies, index_values_alone_are_kept_from_scale_offset)
     written.params[1] = 5;
     EXPECT_EQ(write(written), success);
     EXPECT_THAT(stored(written), testing::HasSubstr("indexval float32 [8] chunked(8) shuffle deflate(5)\n"));
-    for (const char* name : {"indexident int32 [8] chunked(8)", "entid int32 [9] chunked(9)", "status int32 [9] chunked(9)"})
-        EXPECT_THAT(stored(written),
-                    testing::HasSubstr(name + std::string(" scaleoffset(int,0) shuffle deflate(5) fill=10000\n")));
+    for (const char* name :
+         {"indexident int32 [8] chunked(8)", "entid int32 [9] chunked(9)", "status int32 [9] chunked(9)"})
+        EXPECT_THAT(
+            stored(written),
+            testing::HasSubstr(name + std::string(" scaleoffset(int,0) shuffle deflate(5) fill=10000\n")));
     auto block = emptied(written);
     EXPECT_EQ(read(block, 2), success);
     EXPECT_EQ(listing(block), listing(written));
@@ -213,14 +220,16 @@ TEST_P(ActivFlagsInBothFamilies, null_arrays_are_checked_and_not_delivered)
     EXPECT_EQ(read(block, 2), success);
     EXPECT_EQ(listing(block), listing(header_of(written)));
     H5Ldelete(file, data(written, "status").c_str(), H5P_DEFAULT);
-    EXPECT_EQ(read(block, 2), failure(-6002, "VAK INTERNAL ERROR (2) in VAK_H5Dread - name, vak_type, data_size, "
-                                             "error: status 2 4 -1\n"));
+    EXPECT_EQ(read(block, 2), failure(-6002,
+                                      "VAK INTERNAL ERROR (2) in VAK_H5Dread - name, vak_type, data_size, "
+                                      "error: status 2 4 -1\n"));
 }
 
 TEST_P(ActivFlagsInBothFamilies, no_group_is_reported)
 {
     auto block = sample<ActivFlags>();
-    EXPECT_EQ(run([&] { return block.read(H5I_INVALID_HID, 2); }), failure(-1, "VAK ERROR - header not found\n"));
+    EXPECT_EQ(run([&] { return block.read(H5I_INVALID_HID, 2); }),
+              failure(-1, "VAK ERROR - header not found\n"));
 }
 
 // The order of these words is the one that this kind has.
@@ -240,8 +249,9 @@ TEST_P(ActivFlagsInBothFamilies, missing_key_is_reported)
     EXPECT_EQ(write(written), success);
     H5Adelete_by_name(file, header(written).c_str(), "block", H5P_DEFAULT);
     auto block = emptied(written);
-    EXPECT_EQ(read(block, 1), failure(-4002, "VAK INTERNAL ERROR (2) in VAK_H5Aread - name, vak_type, data_size, "
-                                             "error: block 2 4 -1\n"));
+    EXPECT_EQ(read(block, 1), failure(-4002,
+                                      "VAK INTERNAL ERROR (2) in VAK_H5Aread - name, vak_type, data_size, "
+                                      "error: block 2 4 -1\n"));
 }
 
 TEST_F(ActivFlagsBlock, missing_legacy_subgroups_are_reported)

@@ -63,7 +63,8 @@ TEST_F(ElementResultsBlock, is_stored_as_described)
 {
     const ElementResults block;
     EXPECT_EQ(write(block), success);
-    EXPECT_EQ(layout(file, "singlestate/state000000000012/elementresults/HEXA 8/STRESS/SOLID3_set2/vakblock"), R"(
+    EXPECT_EQ(layout(file, "singlestate/state000000000012/elementresults/HEXA 8/STRESS/SOLID3_set2/vakblock"),
+              R"(
 A block int32
 A blocktype char[256]
 A etypelem char[256]
@@ -199,7 +200,7 @@ TEST_P(ElementResultsInBothFamilies, frame_switch_has_three_forms)
         if (fswitch == 2) written.take_frames_of_locations();
         written.zone.fswitch = written.set = fswitch;
         EXPECT_EQ(write(written), success);
-        const std::string form = fswitch == 0 ? "fidglob int32 compact\n"
+        const std::string form = fswitch == 0   ? "fidglob int32 compact\n"
                                  : fswitch == 1 ? "fid int32 [3] compact\n"
                                                 : "fid int32 [3,2] compact\n";
         EXPECT_THAT(stored(written), testing::HasSubstr(form));
@@ -280,8 +281,7 @@ TEST_P(ElementResultsInBothFamilies, another_pass_is_refused)
     EXPECT_EQ(write(written), success);
     auto block = emptied(written);
     for (const int32_t pass : {-1, 3})
-        EXPECT_EQ(read(block, pass),
-                  failure(-3, "VAK INTERNAL ERROR reading block with key 1100 or 1101\n"));
+        EXPECT_EQ(read(block, pass), failure(-3, "VAK INTERNAL ERROR reading block with key 1100 or 1101\n"));
     EXPECT_EQ(listing(block), listing(emptied(written)));
 }
 
@@ -305,8 +305,9 @@ TEST_P(ElementResultsInBothFamilies, values_alone_may_be_scale_offset_compressed
     for (const char* real : {"indexval float32 [8] chunked(8)", "weight float32 [8] chunked(8)",
                              "eloc float32 [4,3] chunked(4,3)"})
         EXPECT_THAT(stored(written), testing::HasSubstr(real + std::string(" shuffle deflate(6)\n")));
-    EXPECT_THAT(stored(written), testing::HasSubstr("res float32 [8,4,2] chunked(8,4,2) scaleoffset(float,2) shuffle "
-                                                    "deflate(6) fill=10000\n"));
+    EXPECT_THAT(stored(written),
+                testing::HasSubstr("res float32 [8,4,2] chunked(8,4,2) scaleoffset(float,2) shuffle "
+                                   "deflate(6) fill=10000\n"));
     auto block = emptied(written);
     EXPECT_EQ(read(block, 2), status(1100));
     EXPECT_EQ(listing(block), listing(written));  // quarters survive two decimal digits
@@ -374,14 +375,16 @@ TEST_P(ElementResultsInBothFamilies, null_arrays_are_checked_and_not_delivered)
     EXPECT_EQ(read(block, 2), status(1100));
     EXPECT_EQ(listing(block), listing(header_of(written)));
     H5Ldelete(file, data(written, "eloc").c_str(), H5P_DEFAULT);
-    EXPECT_EQ(read(block, 2), failure(-6002, "VAK INTERNAL ERROR (2) in VAK_H5Dread - name, vak_type, data_size, "
-                                             "error: eloc 3 4 -1\n"));
+    EXPECT_EQ(read(block, 2), failure(-6002,
+                                      "VAK INTERNAL ERROR (2) in VAK_H5Dread - name, vak_type, data_size, "
+                                      "error: eloc 3 4 -1\n"));
 }
 
 TEST_P(ElementResultsInBothFamilies, no_group_is_reported)
 {
     auto block = sample();
-    EXPECT_EQ(run([&] { return block.read(H5I_INVALID_HID, 2); }), failure(-1, "VAK ERROR - header not found\n"));
+    EXPECT_EQ(run([&] { return block.read(H5I_INVALID_HID, 2); }),
+              failure(-1, "VAK ERROR - header not found\n"));
 }
 
 TEST_P(ElementResultsInBothFamilies, wrong_key_is_reported_before_a_wrong_pass)
@@ -391,7 +394,8 @@ TEST_P(ElementResultsInBothFamilies, wrong_key_is_reported_before_a_wrong_pass)
     falsify_attribute(header(written), "block", 1150);
     auto block = emptied(written);
     for (const int32_t pass : {0, 9})
-        EXPECT_EQ(read(block, pass), failure(-1, "VAK ERROR - wrong block key 1150, 1100 or 1101 expected\n"));
+        EXPECT_EQ(read(block, pass),
+                  failure(-1, "VAK ERROR - wrong block key 1150, 1100 or 1101 expected\n"));
 }
 
 TEST_P(ElementResultsInBothFamilies, missing_key_is_reported)
@@ -400,8 +404,9 @@ TEST_P(ElementResultsInBothFamilies, missing_key_is_reported)
     EXPECT_EQ(write(written), success);
     H5Adelete_by_name(file, header(written).c_str(), "block", H5P_DEFAULT);
     auto block = emptied(written);
-    EXPECT_EQ(read(block, 1), failure(-4002, "VAK INTERNAL ERROR (2) in VAK_H5Aread - name, vak_type, data_size, "
-                                             "error: block 2 4 -1\n"));
+    EXPECT_EQ(read(block, 1), failure(-4002,
+                                      "VAK INTERNAL ERROR (2) in VAK_H5Aread - name, vak_type, data_size, "
+                                      "error: block 2 4 -1\n"));
 }
 
 TEST_F(ElementResultsBlock, missing_legacy_subgroups_are_reported)

@@ -36,7 +36,9 @@ TEST_F(EntityResultsBlock, is_stored_as_described)
 {
     const EntityResults block;
     EXPECT_EQ(write(block), success);
-    EXPECT_EQ(layout(file, "singlestate/state000000000012/entityresults/NODE/DISPLACEMENT/SOLID3_set2/vakblock"), R"(
+    EXPECT_EQ(
+        layout(file, "singlestate/state000000000012/entityresults/NODE/DISPLACEMENT/SOLID3_set2/vakblock"),
+        R"(
 A block int32
 A blocktype char[256]
 A etyp char[256]
@@ -63,7 +65,8 @@ D res float32 [3,2] compact
     EXPECT_EQ(attribute_value<int32_t>(file, block.path(), "zoneid"), 3);
     EXPECT_EQ(dataset_values<float>(file, block.path() + "/res"), block.res);
     EXPECT_EQ(dataset_values<float>(file, block.path() + "/weight"), block.tables.weight);
-    EXPECT_EQ(dataset_texts(file, block.path() + "/operator"), (std::vector{padded("SUM"), padded("AVERAGE")}));
+    EXPECT_EQ(dataset_texts(file, block.path() + "/operator"),
+              (std::vector{padded("SUM"), padded("AVERAGE")}));
 }
 
 TEST_F(EntityResultsBlock, legacy_block_is_stored_as_described)
@@ -103,7 +106,8 @@ TEST_F(EntityResultsBlock, complex_values_have_a_key_and_an_extent_of_their_own)
     const EntityResults block = EntityResults::complex_of(Family::current);
     EXPECT_EQ(write(block), success);
     EXPECT_EQ(attribute_value<int32_t>(file, block.path(), "block"), 1001);
-    EXPECT_THAT(stored(block), testing::HasSubstr("\nD weight float32 [3] compact\nD res float32 [3,2,2] compact\n"));
+    EXPECT_THAT(stored(block),
+                testing::HasSubstr("\nD weight float32 [3] compact\nD res float32 [3,2,2] compact\n"));
     EXPECT_EQ(dataset_values<float>(file, block.path() + "/res"), block.res);
 }
 
@@ -187,7 +191,8 @@ TEST_P(EntityResultsInBothFamilies, value_size_code_gives_key_and_stored_size)
         EXPECT_THAT(form, testing::HasSubstr("indexval " + row.real + " [2]"));
         EXPECT_THAT(form, testing::HasSubstr("weight " + row.real + " [3]"));
         EXPECT_THAT(form, testing::HasSubstr("res " + row.real + (row.key == 1001 ? " [3,2,2]" : " [3,2]")));
-        EXPECT_EQ(attribute_value<int32_t>(file, block.path() + (legacy() ? "/header" : ""), "block"), row.key);
+        EXPECT_EQ(attribute_value<int32_t>(file, block.path() + (legacy() ? "/header" : ""), "block"),
+                  row.key);
     }
 }
 
@@ -296,7 +301,8 @@ TEST_P(EntityResultsInBothFamilies, reals_are_never_scale_offset_compressed)
                              "res float32 [10,2] chunked(10,2)"})
         EXPECT_THAT(form, testing::HasSubstr(real + std::string(" shuffle deflate(6)\n")));
     for (const char* ints : {"indexident int32 [8] chunked(8)", "entid int32 [10] chunked(10)"})
-        EXPECT_THAT(form, testing::HasSubstr(ints + std::string(" scaleoffset(int,0) shuffle deflate(6) fill=10000\n")));
+        EXPECT_THAT(form, testing::HasSubstr(
+                              ints + std::string(" scaleoffset(int,0) shuffle deflate(6) fill=10000\n")));
     auto block = emptied(written);
     EXPECT_EQ(read(block, 2), status(1000));
     EXPECT_EQ(listing(block), listing(written));
@@ -379,8 +385,9 @@ TEST_P(EntityResultsInBothFamilies, second_write_of_another_shape_is_refused)
     auto second = written;
     second.nent = 2;
     EXPECT_EQ(write(second),
-              failure(-6030, "VAK INTERNAL ERROR (30) in VAK_H5Dwrite - name, vak_type, data_size, vak_size, "
-                             "mode, error: entid 2 4 4 0 0\n"));
+              failure(-6030,
+                      "VAK INTERNAL ERROR (30) in VAK_H5Dwrite - name, vak_type, data_size, vak_size, "
+                      "mode, error: entid 2 4 4 0 0\n"));
     EXPECT_EQ(dataset_values<float>(file, written.path() + (legacy() ? "/data/res" : "/res")), written.res);
 }
 
@@ -394,14 +401,16 @@ TEST_P(EntityResultsInBothFamilies, null_arrays_are_checked_and_not_delivered)
     EXPECT_EQ(listing(block), listing(header_of(written)));
     EXPECT_EQ(block.found_flags, 0);
     H5Ldelete(file, (written.path() + (legacy() ? "/data/weight" : "/weight")).c_str(), H5P_DEFAULT);
-    EXPECT_EQ(read(block, 2), failure(-6002, "VAK INTERNAL ERROR (2) in VAK_H5Dread - name, vak_type, data_size, "
-                                             "error: weight 3 4 -1\n"));
+    EXPECT_EQ(read(block, 2), failure(-6002,
+                                      "VAK INTERNAL ERROR (2) in VAK_H5Dread - name, vak_type, data_size, "
+                                      "error: weight 3 4 -1\n"));
 }
 
 TEST_P(EntityResultsInBothFamilies, no_group_is_reported)
 {
     auto block = sample<EntityResults>();
-    EXPECT_EQ(run([&] { return block.read(H5I_INVALID_HID, 2); }), failure(-1, "VAK ERROR - header not found\n"));
+    EXPECT_EQ(run([&] { return block.read(H5I_INVALID_HID, 2); }),
+              failure(-1, "VAK ERROR - header not found\n"));
 }
 
 TEST_P(EntityResultsInBothFamilies, wrong_key_is_reported_before_a_wrong_pass)
@@ -421,8 +430,9 @@ TEST_P(EntityResultsInBothFamilies, missing_key_is_reported)
     EXPECT_EQ(write(written), success);
     H5Adelete_by_name(file, (written.path() + (legacy() ? "/header" : "")).c_str(), "block", H5P_DEFAULT);
     auto block = emptied(written);
-    EXPECT_EQ(read(block, 1), failure(-4002, "VAK INTERNAL ERROR (2) in VAK_H5Aread - name, vak_type, data_size, "
-                                             "error: block 2 4 -1\n"));
+    EXPECT_EQ(read(block, 1), failure(-4002,
+                                      "VAK INTERNAL ERROR (2) in VAK_H5Aread - name, vak_type, data_size, "
+                                      "error: block 2 4 -1\n"));
 }
 
 TEST_P(EntityResultsInBothFamilies, file_that_is_none_gives_the_status_of_opening)

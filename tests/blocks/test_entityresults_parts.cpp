@@ -13,7 +13,8 @@ protected:
     {
         return {H5Gcreate2(file, name.c_str(), H5P_DEFAULT, H5P_DEFAULT, H5P_DEFAULT), name};
     }
-    Result write_parts(const EntityResults& r, hid_t block, const Parts& parts, hid_t shared = H5I_INVALID_HID)
+    Result write_parts(const EntityResults& r, hid_t block, const Parts& parts,
+                       hid_t shared = H5I_INVALID_HID)
     {
         return run([&] { return r.write_parts(block, shared, parts); });
     }
@@ -29,7 +30,8 @@ protected:
 INSTANTIATE_TEST_SUITE_P(, EntityResultsParts, both_families, family_name);
 
 // The values as they are when `part` replaces those at the given places.
-std::vector<float> with(std::vector<float> values, const std::vector<size_t>& places, const std::vector<float>& part)
+std::vector<float> with(std::vector<float> values, const std::vector<size_t>& places,
+                        const std::vector<float>& part)
 {
     for (size_t i = 0; i < places.size(); ++i) values[places[i]] = part[i];
     return values;
@@ -134,9 +136,10 @@ TEST_P(EntityResultsParts, another_data_size_is_refused)
     const auto written = sample<EntityResults>();
     const ObjectId block = group("block");
     EXPECT_EQ(write_parts(written, block, {.what = 8, .data_size = 5}),
-              failure(-3001, "VAK INTERNAL ERROR (2) in VAK_H5gettype - vak_type, data_size: 3 5\n"
-                             "VAK INTERNAL ERROR (2) in VAK_H5Dwrite - name, vak_type, data_size, vak_size, mode, "
-                             "error: res 3 5 4 0 -1\n"));
+              failure(-3001,
+                      "VAK INTERNAL ERROR (2) in VAK_H5gettype - vak_type, data_size: 3 5\n"
+                      "VAK INTERNAL ERROR (2) in VAK_H5Dwrite - name, vak_type, data_size, vak_size, mode, "
+                      "error: res 3 5 4 0 -1\n"));
 }
 
 TEST_P(EntityResultsParts, slab_is_written_into_a_block_that_is_there)
@@ -146,10 +149,14 @@ TEST_P(EntityResultsParts, slab_is_written_into_a_block_that_is_there)
         const ObjectId block = group(is_complex ? "complex" : "real");
         EXPECT_EQ(write_parts(written, block, {}), success);
         std::vector<float> part{-1, -2, -3, -4};
-        const Parts slab{.what = 8, .mode = 1, .start = {1, 0, 0}, .count = {2, is_complex ? 1 : 2, 2},
+        const Parts slab{.what = 8,
+                         .mode = 1,
+                         .start = {1, 0, 0},
+                         .count = {2, is_complex ? 1 : 2, 2},
                          .res = part.data()};
         EXPECT_EQ(write_parts(written, block, slab), success);
-        const std::vector<size_t> places = is_complex ? std::vector<size_t>{4, 5, 8, 9} : std::vector<size_t>{2, 3, 4, 5};
+        const std::vector<size_t> places =
+            is_complex ? std::vector<size_t>{4, 5, 8, 9} : std::vector<size_t>{2, 3, 4, 5};
         EXPECT_EQ(dataset_values<float>(block, data("res")), with(written.res, places, part));
     }
 }
@@ -159,7 +166,8 @@ TEST_P(EntityResultsParts, slab_into_a_new_block_creates_the_whole_array)
     const auto written = sample<EntityResults>();
     const ObjectId block = group("block");
     std::vector<float> part{7, 8};
-    EXPECT_EQ(write_parts(written, block, {.mode = 1, .start = {2, 0}, .count = {1, 2}, .res = part.data()}), success);
+    EXPECT_EQ(write_parts(written, block, {.mode = 1, .start = {2, 0}, .count = {1, 2}, .res = part.data()}),
+              success);
     EXPECT_EQ(dataset_values<float>(block, data("res")), (std::vector<float>{0, 0, 0, 0, 7, 8}));
 }
 
@@ -190,8 +198,10 @@ TEST_P(EntityResultsParts, points_are_written_and_read)
         std::vector<float> part{-1, -2, -3};
         const std::vector<int64_t> at = is_complex ? std::vector<int64_t>{2, 1, 1, 0, 0, 0, 1, 0, 1}
                                                    : std::vector<int64_t>{2, 1, 0, 0, 1, 0};
-        const std::vector<size_t> places = is_complex ? std::vector<size_t>{11, 0, 5} : std::vector<size_t>{5, 0, 2};
-        EXPECT_EQ(write_parts(written, block, {.what = 8, .mode = 2, .start = {3}, .count = at, .res = part.data()}),
+        const std::vector<size_t> places =
+            is_complex ? std::vector<size_t>{11, 0, 5} : std::vector<size_t>{5, 0, 2};
+        EXPECT_EQ(write_parts(written, block,
+                              {.what = 8, .mode = 2, .start = {3}, .count = at, .res = part.data()}),
                   success);
         EXPECT_EQ(dataset_values<float>(block, data("res")), with(written.res, places, part));
         auto r = written;
@@ -212,16 +222,20 @@ TEST_P(EntityResultsParts, parts_beyond_the_array_are_refused)
     r.ncoo = 2;
     const Parts slab{.what = 8, .mode = 1, .start = {2, 0}, .count = {2, 2}};
     EXPECT_EQ(write_parts(written, block, slab),
-              failure(-6031, "VAK INTERNAL ERROR (31) in VAK_H5Dwrite - name, vak_type, data_size, vak_size, mode, "
-                             "error: res 3 4 4 1 0\n"));
-    EXPECT_EQ(read_parts(r, block, slab), failure(-6031, "VAK INTERNAL ERROR (31) in VAK_H5Dread - name, vak_type, "
-                                                         "data_size, error: res 3 4 0\n"));
+              failure(-6031,
+                      "VAK INTERNAL ERROR (31) in VAK_H5Dwrite - name, vak_type, data_size, vak_size, mode, "
+                      "error: res 3 4 4 1 0\n"));
+    EXPECT_EQ(read_parts(r, block, slab), failure(-6031,
+                                                  "VAK INTERNAL ERROR (31) in VAK_H5Dread - name, vak_type, "
+                                                  "data_size, error: res 3 4 0\n"));
     const Parts point{.what = 8, .mode = 2, .start = {1}, .count = {0, 2}};
     EXPECT_EQ(write_parts(written, block, point),
-              failure(-6032, "VAK INTERNAL ERROR (32) in VAK_H5Dwrite - name, vak_type, data_size, vak_size, mode, "
-                             "error: res 3 4 4 2 1\n"));
-    EXPECT_EQ(read_parts(r, block, point), failure(-6032, "VAK INTERNAL ERROR (32) in VAK_H5Dread - name, vak_type, "
-                                                          "data_size, error: res 3 4 1\n"));
+              failure(-6032,
+                      "VAK INTERNAL ERROR (32) in VAK_H5Dwrite - name, vak_type, data_size, vak_size, mode, "
+                      "error: res 3 4 4 2 1\n"));
+    EXPECT_EQ(read_parts(r, block, point), failure(-6032,
+                                                   "VAK INTERNAL ERROR (32) in VAK_H5Dread - name, vak_type, "
+                                                   "data_size, error: res 3 4 1\n"));
     for (const int64_t start : {INT64_C(-1), INT64_MIN, INT64_MAX}) {
         const Parts far{.what = 8, .mode = 1, .start = {start, 0}, .count = {1, 2}};
         EXPECT_EQ(write_parts(written, block, far).ierr, -6031);
@@ -282,9 +296,10 @@ TEST_P(EntityResultsParts, block_of_another_size_than_the_caller_knows_is_refuse
     const ObjectId block = group("block");
     EXPECT_EQ(write_parts(other, block, {}), success);
     EXPECT_EQ(read_parts(known, block, {.what = 4}).ierr, -6030);
-    EXPECT_EQ(read_parts(known, block, {.what = 8}),
-              failure(-6030,
-                      "VAK INTERNAL ERROR (30) in VAK_H5Dread - name, vak_type, data_size, error: res 3 4 0\n"));
+    EXPECT_EQ(
+        read_parts(known, block, {.what = 8}),
+        failure(-6030,
+                "VAK INTERNAL ERROR (30) in VAK_H5Dread - name, vak_type, data_size, error: res 3 4 0\n"));
 }
 
 TEST_P(EntityResultsParts, shared_tables_stand_once_and_every_block_links_them)

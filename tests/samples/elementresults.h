@@ -63,10 +63,10 @@ struct ElementResults : Sample {
         int32_t ierr = untouched;
         (legacy() ? VAK1_WRITE_ELEMENTRESULTS : VAK_WRITE_ELEMENTRESULTS)(
             &file, etypelem.data(), &nele, etypvar.data(), &ncoo, &numl, &ndim, zone.etypzone.data(),
-            &zone.zoneid, zone.etypframe.data(), &zone.fswitch, &zone.dmpswitch, &index.nindex, &index.indexic,
-            index.indexident.data(), index.indexval.data(), tables.ids.data(), &tables.fidglob,
-            tables.fid.data(), eloc.data(), tables.op.data(), tables.weight.data(), res.data(), &set, &state,
-            &flags, params, &ivsize, &ierr);
+            &zone.zoneid, zone.etypframe.data(), &zone.fswitch, &zone.dmpswitch, &index.nindex,
+            &index.indexic, index.indexident.data(), index.indexval.data(), tables.ids.data(),
+            &tables.fidglob, tables.fid.data(), eloc.data(), tables.op.data(), tables.weight.data(),
+            res.data(), &set, &state, &flags, params, &ivsize, &ierr);
         return ierr;
     }
 
@@ -75,9 +75,10 @@ struct ElementResults : Sample {
         int32_t ierr = untouched;
         (legacy() ? VAK1_READ_ELEMENTRESULTS : VAK_READ_ELEMENTRESULTS)(
             &group, &ipass, etypelem.data(), &nele, etypvar.data(), &ncoo, &numl, &ndim, zone.etypzone.data(),
-            &zone.zoneid, zone.etypframe.data(), &zone.fswitch, &zone.dmpswitch, &index.nindex, &index.indexic,
-            out(index.indexident), out(index.indexval), out(tables.ids), &tables.fidglob, out(tables.fid),
-            out(eloc), out(tables.op), out(tables.weight), out(res), &found_flags, found_params, &ierr);
+            &zone.zoneid, zone.etypframe.data(), &zone.fswitch, &zone.dmpswitch, &index.nindex,
+            &index.indexic, out(index.indexident), out(index.indexval), out(tables.ids), &tables.fidglob,
+            out(tables.fid), out(eloc), out(tables.op), out(tables.weight), out(res), &found_flags,
+            found_params, &ierr);
         return ierr;
     }
 };

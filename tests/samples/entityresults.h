@@ -80,19 +80,17 @@ struct EntityResults : Sample {
     {
         int32_t ierr = untouched;
         if (legacy())
-            VAK1_READ_ENTITYRESULTS(&group, &ipass, etyp.data(), &nent, etypvar.data(), &ncoo,
-                                    zone.etypzone.data(), &zone.zoneid, zone.etypframe.data(), &zone.fswitch,
-                                    &zone.dmpswitch, &index.nindex, out(index.indexident),
-                                    out(index.indexval), out(tables.ids), &tables.fidglob, out(tables.fid),
-                                    out(tables.op), out(tables.weight), out(res), &found_flags, found_params,
-                                    &ierr);
+            VAK1_READ_ENTITYRESULTS(
+                &group, &ipass, etyp.data(), &nent, etypvar.data(), &ncoo, zone.etypzone.data(), &zone.zoneid,
+                zone.etypframe.data(), &zone.fswitch, &zone.dmpswitch, &index.nindex, out(index.indexident),
+                out(index.indexval), out(tables.ids), &tables.fidglob, out(tables.fid), out(tables.op),
+                out(tables.weight), out(res), &found_flags, found_params, &ierr);
         else
-            VAK_READ_ENTITYRESULTS(&group, &ipass, etyp.data(), &nent, etypvar.data(), &ncoo,
-                                   zone.etypzone.data(), &zone.zoneid, zone.etypframe.data(), &zone.fswitch,
-                                   &zone.dmpswitch, &index.nindex, &index.indexic, out(index.indexident),
-                                   out(index.indexval), out(tables.ids), &tables.fidglob, out(tables.fid),
-                                   out(tables.op), out(tables.weight), out(res), &found_flags, found_params,
-                                   &ierr);
+            VAK_READ_ENTITYRESULTS(
+                &group, &ipass, etyp.data(), &nent, etypvar.data(), &ncoo, zone.etypzone.data(), &zone.zoneid,
+                zone.etypframe.data(), &zone.fswitch, &zone.dmpswitch, &index.nindex, &index.indexic,
+                out(index.indexident), out(index.indexval), out(tables.ids), &tables.fidglob, out(tables.fid),
+                out(tables.op), out(tables.weight), out(res), &found_flags, found_params, &ierr);
         return ierr;
     }
 
@@ -102,21 +100,19 @@ struct EntityResults : Sample {
         const auto* values = p.res != nullptr ? static_cast<const float*>(p.res) : res.data();
         int32_t ierr = untouched;
         if (legacy())
-            VAK1_WRITE_ENTITYRESULTS2(groups, &p.what, nullptr, etyp.data(), &nent, etypvar.data(), &ncoo,
-                                      zone.etypzone.data(), &zone.zoneid, zone.etypframe.data(), &zone.fswitch,
-                                      &zone.dmpswitch, &index.nindex, index.indexident.data(),
-                                      index.indexval.data(), tables.ids.data(), &tables.fidglob,
-                                      tables.fid.data(), tables.op.data(), tables.weight.data(), values,
-                                      &p.data_size, &flags, params, &ivsize, &p.mode, p.start.data(),
-                                      p.count.data(), &ierr);
+            VAK1_WRITE_ENTITYRESULTS2(
+                groups, &p.what, nullptr, etyp.data(), &nent, etypvar.data(), &ncoo, zone.etypzone.data(),
+                &zone.zoneid, zone.etypframe.data(), &zone.fswitch, &zone.dmpswitch, &index.nindex,
+                index.indexident.data(), index.indexval.data(), tables.ids.data(), &tables.fidglob,
+                tables.fid.data(), tables.op.data(), tables.weight.data(), values, &p.data_size, &flags,
+                params, &ivsize, &p.mode, p.start.data(), p.count.data(), &ierr);
         else
-            VAK_WRITE_ENTITYRESULTS2(groups, &p.what, nullptr, etyp.data(), &nent, etypvar.data(), &ncoo,
-                                     zone.etypzone.data(), &zone.zoneid, zone.etypframe.data(), &zone.fswitch,
-                                     &zone.dmpswitch, &index.nindex, &index.indexic, index.indexident.data(),
-                                     index.indexval.data(), tables.ids.data(), &tables.fidglob,
-                                     tables.fid.data(), tables.op.data(), tables.weight.data(), values,
-                                     &p.data_size, &flags, params, &ivsize, &p.mode, p.start.data(),
-                                     p.count.data(), &ierr);
+            VAK_WRITE_ENTITYRESULTS2(
+                groups, &p.what, nullptr, etyp.data(), &nent, etypvar.data(), &ncoo, zone.etypzone.data(),
+                &zone.zoneid, zone.etypframe.data(), &zone.fswitch, &zone.dmpswitch, &index.nindex,
+                &index.indexic, index.indexident.data(), index.indexval.data(), tables.ids.data(),
+                &tables.fidglob, tables.fid.data(), tables.op.data(), tables.weight.data(), values,
+                &p.data_size, &flags, params, &ivsize, &p.mode, p.start.data(), p.count.data(), &ierr);
         return ierr;
     }
 

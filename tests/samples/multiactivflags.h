@@ -30,7 +30,8 @@ struct MultiActivFlags : Sample {
 
     std::string path() const
     {
-        return "multistate/" + trimmed(series) + "/multiactivflags/" + trimmed(etyp) + (legacy() ? "" : "/vakblock");
+        return "multistate/" + trimmed(series) + "/multiactivflags/" + trimmed(etyp) +
+               (legacy() ? "" : "/vakblock");
     }
 
     template <class Self, class F>

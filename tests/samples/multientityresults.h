@@ -58,8 +58,8 @@ struct MultiEntityResults : Sample {
 
     std::string path() const
     {
-        return "multistate/" + trimmed(series) + "/multientityresults/" + trimmed(etyp) + "/" + trimmed(etypvar) +
-               zone_level(zone, set) + (legacy() ? "" : "/vakblock");
+        return "multistate/" + trimmed(series) + "/multientityresults/" + trimmed(etyp) + "/" +
+               trimmed(etypvar) + zone_level(zone, set) + (legacy() ? "" : "/vakblock");
     }
 
     template <class Self, class F>

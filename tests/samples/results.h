@@ -36,7 +36,9 @@ struct SampleTables {
 struct StoredTables {
     template <class Zone>
     explicit StoredTables(const Zone& zone)
-        : one_frame(zone.fswitch == 0), frames(zone.fswitch == 1 || zone.fswitch == 2), merged(zone.dmpswitch == 1)
+        : one_frame(zone.fswitch == 0),
+          frames(zone.fswitch == 1 || zone.fswitch == 2),
+          merged(zone.dmpswitch == 1)
     {
     }
     bool one_frame, frames, merged;
@@ -56,7 +58,8 @@ struct StoredTables {
 // Text behind the last name of a result block's path: zone number and set.
 inline std::string zone_and_set(const SampleZone& zone, int32_t set)
 {
-    return (zone.zoneid >= 0 ? std::to_string(zone.zoneid) : "") + (set >= 0 ? "_set" + std::to_string(set) : "");
+    return (zone.zoneid >= 0 ? std::to_string(zone.zoneid) : "") +
+           (set >= 0 ? "_set" + std::to_string(set) : "");
 }
 
 inline std::string zone_level(const SampleZone& zone, int32_t set)
