@@ -14,14 +14,15 @@ static Countdown mallocs, news;
 extern "C" void* __real_malloc(size_t size);
 extern "C" void* __wrap_malloc(size_t size) { return mallocs.refuses() ? nullptr : __real_malloc(size); }
 
-void* operator new(size_t size)
+// Not inlined: the compiler would see memory of new go to free and warn.
+[[gnu::noinline]] void* operator new(size_t size)
 {
     void* memory = news.refuses() ? nullptr : __real_malloc(size + 1);
     if (memory == nullptr) throw std::bad_alloc();
     return memory;
 }
-void operator delete(void* memory) noexcept { std::free(memory); }
-void operator delete(void* memory, size_t) noexcept { std::free(memory); }
+[[gnu::noinline]] void operator delete(void* memory) noexcept { std::free(memory); }
+[[gnu::noinline]] void operator delete(void* memory, size_t) noexcept { std::free(memory); }
 
 namespace vak::test {
 
