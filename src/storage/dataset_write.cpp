@@ -101,8 +101,8 @@ int32_t open_dataset(DatasetWrite& w, Target& target)
     const int32_t rank = H5Sget_simple_extent_ndims(target.space.get());
     if (rank != static_cast<int32_t>(w.dims.size())) return fail(w, 20, rank, -3020);
     if (H5Sget_simple_extent_type(target.space.get()) == H5S_NULL) return fail(w, 999, -1, -3999);
-    Extents present;
-    H5Sget_simple_extent_dims(target.space.get(), present.data(), nullptr);
+    const Extents& present = target.before;
+    H5Sget_simple_extent_dims(target.space.get(), target.before.data(), nullptr);
     if (const int32_t status = place(w, present)) return status;
     if (!chunks_are_plausible(dataset, layout, w.part, {present.data(), w.dims.size()}, found.size))
         return fail(w, 999, -1, -3999);
@@ -110,6 +110,20 @@ int32_t open_dataset(DatasetWrite& w, Target& target)
     target.found_type = std::move(found.id);
     target.list = std::move(layout.list);
     return w.extendible() ? grow(w, target, present) : 0;
+}
+
+// Where values did not reach the file, nothing may be read in their place: rows made for them go again, and
+// so does a dataset made for them.
+int32_t give_up(const DatasetWrite& w, Target& target, int64_t error)
+{
+    if (target.is_new) {
+        target.dataset.close();
+        H5Ldelete(w.location.id, w.name, H5P_DEFAULT);
+    } else if (w.extendible()) {
+        if (!target.dataset.valid()) target.dataset = Dataset(H5Dopen2(w.location.id, w.name, H5P_DEFAULT));
+        H5Dset_extent(target.dataset.get(), target.before.data());
+    }
+    return fail(w, 999, error, -3999);
 }
 
 int32_t write_values(const DatasetWrite& w, Target& target)
@@ -126,9 +140,8 @@ int32_t write_values(const DatasetWrite& w, Target& target)
     }
     const herr_t status =
         H5Dwrite(target.dataset.get(), w.memory_type, memory_space, file_space, H5P_DEFAULT, w.data);
-    if (status < 0) return fail(w, 999, status, -3999);
-    // Errors of the disk often show only here, when HDF5 writes out what it holds.
-    return target.dataset.close() ? 0 : fail(w, 999, -1, -3999);
+    // Errors of the disk often show only when HDF5 writes out what it holds, on closing.
+    return status >= 0 && target.dataset.close() ? 0 : give_up(w, target, std::min(status, -1));
 }
 
 // What must hold before the file is touched.
