@@ -319,6 +319,43 @@ TEST_P(MultiEntityResultsInBothFamilies, history_of_one_entity_is_read_with_the_
     EXPECT_EQ(block.index.indexval, written.states(1, 3).index.indexval);
 }
 
+// One damaged chunk, of one state and the first third of the entities, shows who reads it.
+TEST_P(MultiEntityResultsInBothFamilies, field_and_history_are_read_without_the_rest)
+{
+    auto written = series_of(3);
+    written.nent = 3000;
+    written.tables.ids.assign(3000, 1);
+    written.tables.fid.assign(3000, 2);
+    written.tables.weight.assign(3000, 1);
+    written.res = some_values(18000);
+    written.flags = 2;
+    written.params[1] = 1;
+    EXPECT_EQ(write(written), success);
+    EXPECT_THAT(stored(written),
+                testing::HasSubstr("res float32 [unlimited(3),3000,2] chunked(1,1000,2) deflate(1)\n"));
+    {
+        const ObjectId res = open_object(file, data(written, "res"));
+        const std::array<hsize_t, 3> chunk{1, 0, 0};
+        EXPECT_GE(H5Dwrite_chunk(res, H5P_DEFAULT, 0, chunk.data(), 7, "damaged"), 0);
+    }
+    auto block = emptied(written);
+    take_header(block, written);
+    const auto field = [&](int64_t state) {
+        return read_parts(block, {.mode = 1, .count = {1, 3000, 2}, .start = {state, 0, 0}, .what = 8}).ierr;
+    };
+    const auto history = [&](int64_t entity) {
+        return read_parts(block, {.mode = 1, .count = {3, 1, 2}, .start = {0, entity, 0}, .what = 8}).ierr;
+    };
+    EXPECT_EQ(field(0), 1050);
+    EXPECT_EQ(field(1), -6999);
+    EXPECT_EQ(field(2), 1050);
+    EXPECT_EQ(history(999), -6999);
+    EXPECT_EQ(history(1000), 1050);
+    EXPECT_EQ(history(2999), 1050);
+    EXPECT_EQ(block.res[0], written.res[5998]);
+    EXPECT_EQ(block.res[5], written.res[17999]);
+}
+
 TEST_P(MultiEntityResultsInBothFamilies, points_are_read_with_the_index_values_of_all_states)
 {
     for (const int32_t ivsize : {4, 16}) {
