@@ -109,8 +109,8 @@ VAK_API void VAK_CLOSE(const vak_id *group_id, int32_t *ierr);
 VAK_API void VAK1_CLOSE(const vak_id *group_id, int32_t *ierr);
 
 /* Hands what was written so far to the operating system: scope 0 the whole file with all that is mounted or linked
- * open in it, 1 the file alone, any other nothing. After scope 0 everything written before it survives the
- * end of the process at any later call. ierr: always 0; a write that failed shows in VAK_CLOSE. */
+ * open in it, 1 the file alone, any other nothing. Everything written before it reads in a file opened by VAK_OPEN
+ * even when the process is killed between two later calls. ierr: always 0; a write that failed shows in VAK_CLOSE. */
 VAK_API void VAK_FLUSH(const vak_id *id, const int32_t *scope, int32_t *ierr);
 VAK_API void VAK1_FLUSH(const vak_id *id, const int32_t *scope, int32_t *ierr);
 
@@ -122,8 +122,8 @@ VAK_API void VAK1_FLUSH(const vak_id *id, const int32_t *scope, int32_t *ierr);
  * group_id    receives the group, to be closed by the caller; -1 when ierr is negative.
  *
  * ierr: ioflag 0: the number of groups created; 1 and 2: 0, or -1 without a line when the path does not exist.
- * With a line on standard error: -8 a group cannot be created, -10 (ioflag 0) or -20 (1, 2) what is there
- * cannot be opened as a group, -30 unknown ioflag, -40 length 0 or below -1, -50 empty name. */
+ * With a line on standard error: -8 a group cannot be created, or the disk is full; -10 (ioflag 0) or -20 (1, 2)
+ * what is there cannot be opened as a group; -30 unknown ioflag; -40 length 0 or below -1; -50 empty name. */
 VAK_API void VAK_H5GOPEN(
     const vak_id *loc_id, const char *name, const int32_t *name_len, const int32_t *ioflag,
     vak_id *group_id, int32_t *ierr);

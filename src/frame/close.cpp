@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "frame/exported.h"
+#include "frame/metadata_cache.h"
 #include "storage/hdf5_id.h"
 #include "vak_sp.h"
 
@@ -20,10 +21,12 @@ bool flush(hid_t file)
     return global && local;
 }
 
+// A file whose last flush fails stays open at first. Asked once more HDF5 lets go of it.
 bool close_every_reference(hid_t id, Close close)
 {
     bool sound = true;
-    for (int left = H5Iget_ref(id); left > 0; --left) sound = close(id) >= 0 && sound;
+    for (int left = H5Iget_ref(id) + 1; left > 0 && H5Iis_valid(id) > 0; --left)
+        sound = close(id) >= 0 && sound;
     return sound;
 }
 
@@ -57,6 +60,7 @@ int32_t flush_scope(hid_t id, int32_t scope)
 {
     if (scope == 0) H5Fflush(id, H5F_SCOPE_GLOBAL);
     if (scope == 1) H5Fflush(id, H5F_SCOPE_LOCAL);
+    if (scope == 0 || scope == 1) drop_flushed_metadata(id);
     return 0;
 }
 

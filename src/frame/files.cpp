@@ -5,8 +5,8 @@
 #include <string>
 
 #include "frame/exported.h"
-#include "frame/file_access.h"
 #include "frame/file_probe.h"
+#include "frame/metadata_cache.h"
 #include "frame/paths.h"
 #include "frame/version.h"
 #include "vak_sp.h"
@@ -57,7 +57,7 @@ bool may_be_created(const std::string& path)
 bool create_file(Opening& o, unsigned access)
 {
     if (!may_be_created(o.name)) return false;
-    o.file = File(H5Fcreate(o.name.c_str(), access, H5P_DEFAULT, access_list(H5F_ACC_RDWR).get()));
+    o.file = File(H5Fcreate(o.name.c_str(), access, H5P_DEFAULT, access_list(FileUse::create).get()));
     if (o.file.valid() && o.verbose) std::printf("VAK INFO - file \"%s\" created.\n", o.name.c_str());
     return o.file.valid();
 }
@@ -72,7 +72,8 @@ bool create_anew(Opening& o)
 bool open_regular_file(Opening& o, const std::string& path, unsigned access)
 {
     if (!FileProbe(path).regular()) return false;
-    o.file = File(H5Fopen(path.c_str(), access, access_list(access).get()));
+    const FileUse use = access == H5F_ACC_RDONLY ? FileUse::read : FileUse::update;
+    o.file = File(H5Fopen(path.c_str(), access, access_list(use).get()));
     if (o.file.valid() && o.verbose) std::printf("Opened \"%s\"\n", path.c_str());
     return o.file.valid();
 }

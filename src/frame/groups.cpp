@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "frame/exported.h"
+#include "frame/metadata_cache.h"
 #include "frame/paths.h"
 #include "vak_sp.h"
 
@@ -29,6 +30,8 @@ bool exists(hid_t location, const std::string& path)
 // Creates the levels of the path that are missing; their number, or -8.
 int32_t create_missing(hid_t location, const std::string& path)
 {
+    if (location < 0) return 0;  // the opening fails
+    if (!hold_metadata_back(location)) return -8;
     int32_t created = 0;
     for (size_t end = 0; end < path.size();) {
         end = std::min(path.find('/', end + 1), path.size());
@@ -54,7 +57,7 @@ int32_t fail_quoted(int32_t code, const std::string& path)
 
 int32_t open_creating(hid_t location, const std::string& path, Group& group)
 {
-    const int32_t created = location < 0 ? 0 : create_missing(location, path);
+    const int32_t created = create_missing(location, path);
     if (created < 0) return fail_unquoted(created, path);
     group = open(location, path);
     return group.valid() ? created : fail_unquoted(-10, path);
@@ -116,6 +119,7 @@ int32_t h5gopen(hid_t location, std::string_view path, int32_t ioflag, hid_t* gr
 
 OpenedGroup open_or_create_group(hid_t location, const std::string& path)
 {
+    if (!hold_metadata_back(location)) return {Group(), fail_unquoted(-8, path)};
     Group group = create_with_parents(location, path);
     if (group.valid()) return {std::move(group), 1};
     group = open(location, path);
