@@ -13,12 +13,12 @@ protected:
     {
         return {H5Gcreate2(file, name.c_str(), H5P_DEFAULT, H5P_DEFAULT, H5P_DEFAULT), name};
     }
-    Result write_parts(const EntityResults& r, hid_t block, const Parts& parts,
+    Result write_parts(const EntityResults& r, hid_t block, const ResultParts& parts,
                        hid_t shared = H5I_INVALID_HID)
     {
         return run([&] { return r.write_parts(block, shared, parts); });
     }
-    Result read_parts(EntityResults& r, hid_t block, const Parts& parts)
+    Result read_parts(EntityResults& r, hid_t block, const ResultParts& parts)
     {
         return run([&] { return r.read_parts(block, parts); });
     }
@@ -149,11 +149,11 @@ TEST_P(EntityResultsParts, slab_is_written_into_a_block_that_is_there)
         const ObjectId block = group(is_complex ? "complex" : "real");
         EXPECT_EQ(write_parts(written, block, {}), success);
         std::vector<float> part{-1, -2, -3, -4};
-        const Parts slab{.what = 8,
-                         .mode = 1,
-                         .start = {1, 0, 0},
-                         .count = {2, is_complex ? 1 : 2, 2},
-                         .res = part.data()};
+        const ResultParts slab{.what = 8,
+                               .mode = 1,
+                               .start = {1, 0, 0},
+                               .count = {2, is_complex ? 1 : 2, 2},
+                               .res = part.data()};
         EXPECT_EQ(write_parts(written, block, slab), success);
         const std::vector<size_t> places =
             is_complex ? std::vector<size_t>{4, 5, 8, 9} : std::vector<size_t>{2, 3, 4, 5};
@@ -179,7 +179,7 @@ TEST_P(EntityResultsParts, slab_is_read_without_the_rest)
         EXPECT_EQ(write_parts(written, block, {}), success);
         auto r = written;
         r.res = std::vector<float>(3 * (is_complex ? 2U : 1U), -1);
-        const Parts slab{.what = 8, .mode = 1, .start = {0, 1, 0}, .count = {3, 1, 2}};
+        const ResultParts slab{.what = 8, .mode = 1, .start = {0, 1, 0}, .count = {3, 1, 2}};
         EXPECT_EQ(read_parts(r, block, slab), status(is_complex ? 1001 : 1000));
         const auto& w = written.res;
         EXPECT_EQ(r.res, is_complex ? (std::vector<float>{w[2], w[3], w[6], w[7], w[10], w[11]})
@@ -220,7 +220,7 @@ TEST_P(EntityResultsParts, parts_beyond_the_array_are_refused)
     auto r = emptied(written);
     r.nent = 3;
     r.ncoo = 2;
-    const Parts slab{.what = 8, .mode = 1, .start = {2, 0}, .count = {2, 2}};
+    const ResultParts slab{.what = 8, .mode = 1, .start = {2, 0}, .count = {2, 2}};
     EXPECT_EQ(write_parts(written, block, slab),
               failure(-6031,
                       "VAK INTERNAL ERROR (31) in VAK_H5Dwrite - name, vak_type, data_size, vak_size, mode, "
@@ -228,7 +228,7 @@ TEST_P(EntityResultsParts, parts_beyond_the_array_are_refused)
     EXPECT_EQ(read_parts(r, block, slab), failure(-6031,
                                                   "VAK INTERNAL ERROR (31) in VAK_H5Dread - name, vak_type, "
                                                   "data_size, error: res 3 4 0\n"));
-    const Parts point{.what = 8, .mode = 2, .start = {1}, .count = {0, 2}};
+    const ResultParts point{.what = 8, .mode = 2, .start = {1}, .count = {0, 2}};
     EXPECT_EQ(write_parts(written, block, point),
               failure(-6032,
                       "VAK INTERNAL ERROR (32) in VAK_H5Dwrite - name, vak_type, data_size, vak_size, mode, "
@@ -237,7 +237,7 @@ TEST_P(EntityResultsParts, parts_beyond_the_array_are_refused)
                                                    "VAK INTERNAL ERROR (32) in VAK_H5Dread - name, vak_type, "
                                                    "data_size, error: res 3 4 1\n"));
     for (const int64_t start : {INT64_C(-1), INT64_MIN, INT64_MAX}) {
-        const Parts far{.what = 8, .mode = 1, .start = {start, 0}, .count = {1, 2}};
+        const ResultParts far{.what = 8, .mode = 1, .start = {start, 0}, .count = {1, 2}};
         EXPECT_EQ(write_parts(written, block, far).ierr, -6031);
         EXPECT_EQ(read_parts(r, block, far).ierr, -6031);
     }
@@ -252,10 +252,10 @@ TEST_P(EntityResultsParts, part_of_no_elements_transfers_nothing)
     auto r = emptied(written);
     r.nent = 3;
     r.ncoo = 2;
-    for (const Parts& none : {Parts{.what = 8, .mode = 1, .start = {0, 0}, .count = {0, 2}},
-                              Parts{.what = 8, .mode = 1, .start = {0, 0}, .count = {-1, 2}},
-                              Parts{.what = 8, .mode = 2, .start = {0}, .count = {}},
-                              Parts{.what = 8, .mode = 2, .start = {-5}, .count = {}}}) {
+    for (const ResultParts& none : {ResultParts{.what = 8, .mode = 1, .start = {0, 0}, .count = {0, 2}},
+                                    ResultParts{.what = 8, .mode = 1, .start = {0, 0}, .count = {-1, 2}},
+                                    ResultParts{.what = 8, .mode = 2, .start = {0}, .count = {}},
+                                    ResultParts{.what = 8, .mode = 2, .start = {-5}, .count = {}}}) {
         EXPECT_EQ(write_parts(written, block, none), success);
         EXPECT_EQ(read_parts(r, block, none), status(1000));
         EXPECT_EQ(r.res, emptied(written).res);

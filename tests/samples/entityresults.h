@@ -5,7 +5,7 @@
 namespace vak::test {
 
 // Which part of a block, and of "res", a lower entry transfers.
-struct Parts {
+struct ResultParts {
     int32_t what = 15;
     int32_t data_size = 4;
     int32_t mode = 0;
@@ -94,7 +94,7 @@ struct EntityResults : Sample {
         return ierr;
     }
 
-    int32_t write_parts(hid_t group, hid_t shared, const Parts& p) const
+    int32_t write_parts(hid_t group, hid_t shared, const ResultParts& p) const
     {
         const hid_t groups[2] = {group, shared};
         const auto* values = p.res != nullptr ? static_cast<const float*>(p.res) : res.data();
@@ -116,7 +116,7 @@ struct EntityResults : Sample {
         return ierr;
     }
 
-    int32_t read_parts(hid_t group, const Parts& p)
+    int32_t read_parts(hid_t group, const ResultParts& p)
     {
         auto* values = p.res != nullptr ? static_cast<float*>(p.res) : out(res);
         int32_t ierr = untouched;
