@@ -76,6 +76,7 @@ inline std::string trimmed(const std::string& field)
 }
 
 inline std::string shown(int32_t value) { return std::to_string(value); }
+inline std::string shown(int64_t value) { return std::to_string(value); }
 inline std::string shown(float value)
 {
     char text[32];
@@ -101,6 +102,7 @@ std::string listing(const S& sample)
 }
 
 inline void empty(int32_t& value) { value = untouched; }
+inline void empty(int64_t& value) { value = untouched; }
 inline void empty(std::string& value) { std::fill(value.begin(), value.end(), '?'); }
 template <class T>
 void empty(std::vector<T>& values)
