@@ -114,7 +114,7 @@ int32_t open_dataset(DatasetWrite& w, Target& target)
 
 // Where values did not reach the file, nothing may be read in their place: rows made for them go again, and
 // so does a dataset made for them.
-int32_t give_up(const DatasetWrite& w, Target& target, int64_t error)
+int32_t give_up(const DatasetWrite& w, Target& target, int32_t number, int64_t error)
 {
     if (target.is_new) {
         target.dataset.close();
@@ -123,7 +123,7 @@ int32_t give_up(const DatasetWrite& w, Target& target, int64_t error)
         if (!target.dataset.valid()) target.dataset = Dataset(H5Dopen2(w.location.id, w.name, H5P_DEFAULT));
         H5Dset_extent(target.dataset.get(), target.before.data());
     }
-    return fail(w, 999, error, -3999);
+    return fail(w, number, error, -3000 - number);
 }
 
 int32_t write_values(const DatasetWrite& w, Target& target)
@@ -136,12 +136,12 @@ int32_t write_values(const DatasetWrite& w, Target& target)
         memory = memory_space_of(w.part);
         memory_space = memory.get();
         file_space = target.space.get();
-        if (!memory.valid() || !select(file_space, w.part)) return fail(w, 120, -1, -3120);
+        if (!memory.valid() || !select(file_space, w.part)) return give_up(w, target, 120, -1);
     }
     const herr_t status =
         H5Dwrite(target.dataset.get(), w.memory_type, memory_space, file_space, H5P_DEFAULT, w.data);
     // Errors of the disk often show only when HDF5 writes out what it holds, on closing.
-    return status >= 0 && target.dataset.close() ? 0 : give_up(w, target, std::min(status, -1));
+    return status >= 0 && target.dataset.close() ? 0 : give_up(w, target, 999, std::min(status, -1));
 }
 
 // What must hold before the file is touched.

@@ -32,10 +32,10 @@ struct DatasetWrite {
 // The dataset that is written to.
 struct Target {
     Dataset dataset;
-    Space space;      // with the extents that it has when the values are written
-    Extents before{}; // the extents of one that existed, before it grew
-    Type found_type;  // of one that existed; of texts in memory, too
-    Properties list;  // with which it was created, where it is filtered or new and chunked
+    Space space;       // with the extents that it has when the values are written
+    Extents before{};  // the extents of one that existed, before it grew
+    Type found_type;   // of one that existed; of texts in memory, too
+    Properties list;   // with which it was created, where it is filtered or new and chunked
     bool is_new = false;
 };
 

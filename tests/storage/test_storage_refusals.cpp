@@ -152,6 +152,19 @@ TEST_F(StorageRefusals, writing_error_999_values_that_do_not_reach_the_file)
               not_written(-3999, 999, "filtered 2 4 4 0 -1"));
 }
 
+TEST_F(StorageRefusals, what_was_made_for_values_that_failed_is_taken_back)
+{
+    for (const char* name : {"H5Dwrite", "H5Dclose"}) {
+        EXPECT_EQ(write_without(name, slab), not_written(-3999, 999, "values 2 4 4 1 -1"));
+        EXPECT_EQ(layout(file, "/"), "\n") << name;
+    }
+    EXPECT_EQ(write(numbers<int32_t>(8), Access(slab)), done);
+    for (const char* name : {"H5Dwrite", "H5Dclose", "H5Sselect_hyperslab"}) {
+        EXPECT_NE(write_without(name, slab), done);
+        EXPECT_EQ(dataset_values<int32_t>(file, "values"), numbers<int32_t>(8)) << name;
+    }
+}
+
 TEST_F(StorageRefusals, a_layout_that_cannot_be_asked_for_is_refused)
 {
     EXPECT_EQ(write(numbers<int32_t>(8), Access(filtered)), done);
