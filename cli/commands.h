@@ -7,6 +7,7 @@ namespace vak::cli {
 
 // Each adds one subcommand, which does its work when it is chosen.
 void add_list(CLI::App& app);
+void add_show(CLI::App& app);
 void add_import(CLI::App& app);
 
 }  // namespace vak::cli

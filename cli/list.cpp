@@ -1,11 +1,10 @@
 // vak list: one line per block of a file.
 #include <cstdio>
 #include <memory>
-#include <nlohmann/json.hpp>
 #include <string>
 
 #include "commands.h"
-#include "store/catalogue.h"
+#include "listing.h"
 
 namespace vak::cli {
 
@@ -17,54 +16,19 @@ struct Options {
     bool legacy = false;
 };
 
-// States of nested indices are joined, outermost first: "9/5".
-std::string states_text(const store::BlockEntry& block)
-{
-    std::string text;
-    for (const int64_t state : block.states) text += (text.empty() ? "" : "/") + std::to_string(state);
-    return text.empty() ? "-" : text;
-}
-
-void print_lines(const store::Catalogue& catalogue)
-{
-    for (const store::BlockEntry& block : catalogue.blocks)
-        std::printf("%7d  %-20s %8s %5s  %s\n", block.key, store::block_type(block.key),
-                    states_text(block).c_str(), block.set ? std::to_string(*block.set).c_str() : "-",
-                    block.path.c_str());
-}
-
-nlohmann::ordered_json as_json(const store::BlockEntry& block)
-{
-    nlohmann::ordered_json json{{"key", block.key}, {"type", store::block_type(block.key)}};
-    json["state"] = block.states.size() == 1 ? nlohmann::ordered_json(block.states[0])
-                    : block.states.empty()   ? nlohmann::ordered_json(nullptr)
-                                             : nlohmann::ordered_json(block.states);
-    json["set"] = block.set ? nlohmann::ordered_json(*block.set) : nlohmann::ordered_json(nullptr);
-    json["path"] = block.path;
-    return json;
-}
-
-void print_json(const Options& options, const store::Catalogue& catalogue)
-{
-    auto blocks = nlohmann::ordered_json::array();
-    for (const store::BlockEntry& block : catalogue.blocks) blocks.push_back(as_json(block));
-    const nlohmann::ordered_json document{
-        {"file", options.file},
-        {"layout", catalogue.layout == store::Layout::current ? "current" : "legacy"},
-        {"blocks", std::move(blocks)}};
-    // Names in a file need not be UTF-8.
-    std::puts(document.dump(2, ' ', false, nlohmann::ordered_json::error_handler_t::replace).c_str());
-}
-
 void run(const Options& options)
 {
     const store::File file = store::File::open(options.file);
     const auto layout = options.legacy ? std::optional(store::Layout::legacy) : std::nullopt;
     const store::Catalogue catalogue = store::catalogue(file, layout);
-    if (options.json)
-        print_json(options, catalogue);
-    else
-        print_lines(catalogue);
+    auto json = nlohmann::ordered_json::array();
+    for (const store::BlockEntry& block : catalogue.blocks) {
+        if (options.json)
+            json.push_back(as_json(block));
+        else
+            std::puts(line(block).c_str());
+    }
+    if (options.json) print_document(options.file, catalogue.layout, std::move(json));
 }
 
 }  // namespace

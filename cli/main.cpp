@@ -1,6 +1,6 @@
 // vak: result files from the command line.
 #include <cstdio>
-#include <iostream>
+#include <exception>
 #include <new>
 #include <string>
 
@@ -25,14 +25,13 @@ std::string chosen(const CLI::App& app)
 
 std::string first_line(const std::string& text) { return text.substr(0, text.find('\n')); }
 
-}  // namespace
-
-int main(int argc, char** argv)
+int run(int argc, char** argv)
 {
     CLI::App app("Lists, shows and makes block-structured result files.", "vak");
     app.require_subcommand(1);
     app.set_version_flag("--version", std::string("vak ") + VAK_VERSION);
     vak::cli::add_list(app);
+    vak::cli::add_show(app);
     vak::cli::add_import(app);
     try {
         app.parse(argc, argv);
@@ -46,9 +45,19 @@ int main(int argc, char** argv)
                       first_line(error.what()) + " (" + chosen(app) + " --help tells the usage)");
     } catch (const vak::cli::Problem& problem) {
         return refuse(chosen(app), problem.what());
-    } catch (const std::bad_alloc&) {
-        return refuse(chosen(app), "not enough memory");
-    } catch (const std::exception& error) {
-        return refuse(chosen(app), error.what());
     }
+}
+
+}  // namespace
+
+int main(int argc, char** argv)
+{
+    try {
+        return run(argc, argv);
+    } catch (const std::bad_alloc&) {
+        std::fputs("vak: not enough memory\n", stderr);
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "vak: %s\n", error.what());
+    }
+    return cannot;
 }

@@ -30,7 +30,8 @@ void remove_and_end(int signal)
 std::string temporary_name(const std::string& final_name)
 {
     const std::filesystem::path path(final_name);
-    const std::string name = "." + path.filename().string() + "." + std::to_string(getpid()) + ".part";
+    std::string name(".");
+    name += path.filename().string() + "." + std::to_string(getpid()) + ".part";
     return (path.parent_path() / name).string();
 }
 
@@ -43,7 +44,7 @@ void check_place(const std::string& name)
 {
     if (std::filesystem::is_directory(name)) throw cli::Problem(name + ": is a folder; name a file in it");
     std::string folder = std::filesystem::path(name).parent_path().string();
-    if (folder.empty()) folder = ".";
+    if (folder.empty()) folder.assign(1, '.');
     if (access(folder.c_str(), W_OK | X_OK) != 0) refuse(name, "cannot be written: the folder " + folder);
 }
 

@@ -38,6 +38,15 @@ std::string reason(const std::string& path, const std::string& library)
     return "it is damaged or no HDF5 file (" + library + ")";
 }
 
+vak_id open_if_there(const vak_id* location, const char* path)
+{
+    vak_id group = -1;
+    int32_t status = 0;
+    const LibraryMessages quiet;
+    VAK_H5GOPEN(location, path, zero_terminated, open_existing, &group, &status);
+    return group;
+}
+
 }  // namespace
 
 void File::open_root(const std::string& model, int32_t mode)
@@ -71,12 +80,10 @@ File File::open(const std::string& path)
 // The blocks lie below "post"; a file without it has them at its root.
 void File::enter_model()
 {
-    vak_id post = -1;
-    int32_t status = 0;
-    const LibraryMessages quiet;
-    VAK_H5GOPEN(&root_, "post", zero_terminated, open_existing, &post, &status);
-    if (status < 0) return;
-    VAK_H5GCLOSE(&root_, &status);
+    const vak_id post = open_if_there(&root_, "post");
+    int32_t ignored = 0;
+    if (post < 0) return;
+    VAK_H5GCLOSE(&root_, &ignored);
     root_ = post;
 }
 
@@ -94,6 +101,14 @@ void File::close()
     int32_t status = 0;
     VAK_CLOSE(&root, &status);
     if (status < 0) throw cli::Problem(path_ + ": not everything could be written; is the disk full?");
+}
+
+bool has_group(const vak_id* location, const std::string& path)
+{
+    const vak_id group = open_if_there(location, path.c_str());
+    int32_t ignored = 0;
+    if (group >= 0) VAK_H5GCLOSE(&group, &ignored);
+    return group >= 0;
 }
 
 Group::Group(const vak_id* location, const std::string& path)

@@ -34,6 +34,9 @@ private:
     vak_id root_ = -1;
 };
 
+// Whether a group is there.
+bool has_group(const vak_id* location, const std::string& path);
+
 // A group of an open file, closed at the end.
 class Group {
 public:

@@ -42,10 +42,7 @@ ReadBack read_back(const std::string& file_name, const std::string& path)
 bool has_block(const std::string& file_name, const std::string& path)
 {
     const store::File file = store::File::open(file_name);
-    vak_id group = -1;
-    int32_t status = 0;
-    VAK_H5GOPEN(file.root(), path.c_str(), store::Int{-1}, store::Int{1}, &group, &status);
-    return status == 0 && (VAK_H5GCLOSE(&group, &status), true);
+    return store::has_group(file.root(), path);
 }
 
 }  // namespace vak::test

@@ -17,7 +17,17 @@ namespace fs = std::filesystem;
 
 namespace {
 
-const std::string solver_tests = "/usr/share/doc/calculix-ccx-test/examples/test";
+// Where the decks are; script/setup puts them into the cache on machines that leave documents out of
+// packages.
+std::string decks()
+{
+    const std::string folder = "usr/share/doc/calculix-ccx-test/examples/test";
+    if (fs::exists("/" + folder)) return "/" + folder;
+    const char *cache = std::getenv("XDG_CACHE_HOME"), *home = std::getenv("HOME");
+    return (cache ? std::string(cache) : std::string(home ? home : "") + "/.cache") + "/vak_sp/" + folder;
+}
+
+const std::string solver_tests = decks();
 const std::string freecad_results = "/usr/share/freecad/Mod/Fem/femtest/data/calculix";
 
 bool is_result(const std::string& name)

@@ -1,0 +1,79 @@
+// vak show: what blocks hold.
+#include <fnmatch.h>
+
+#include <cstdio>
+#include <memory>
+#include <string>
+
+#include "commands.h"
+#include "listing.h"
+#include "problem.h"
+#include "show/print.h"
+#include "show/view.h"
+
+namespace vak::cli {
+
+namespace {
+
+struct Options {
+    std::string file;
+    std::string pattern;
+    bool json = false;
+    bool all = false;
+    bool legacy = false;
+};
+
+// A pattern with *, ? or [ is to match the whole path, any other a part of it.
+bool matches(const std::string& path, const std::string& pattern)
+{
+    if (pattern.find_first_of("*?[") == std::string::npos) return path.find(pattern) != std::string::npos;
+    return fnmatch(pattern.c_str(), path.c_str(), 0) == 0;
+}
+
+void run(const Options& options)
+{
+    const store::File file = store::File::open(options.file);
+    const auto layout = options.legacy ? std::optional(store::Layout::legacy) : std::nullopt;
+    const store::Catalogue catalogue = store::catalogue(file, layout);
+    // Without a pattern the file is looked through: its arrays are not read.
+    const show::Request request{.layout = catalogue.layout,
+                                .values = options.all || !options.pattern.empty(),
+                                .all_values = options.all};
+    auto json = nlohmann::ordered_json::array();
+    bool any = false;
+    for (const store::BlockEntry& entry : catalogue.blocks) {
+        if (!matches(entry.path, options.pattern)) continue;
+        any = true;
+        const show::BlockView block = show::view(file, entry, request);
+        if (options.json) {
+            json.push_back(as_json(entry));
+            json.back().update(show::as_json(block));
+        } else {
+            std::puts(line(entry).c_str());
+            show::print(block);
+        }
+    }
+    if (!any && !options.pattern.empty())
+        throw Problem(options.file + ": no block matches " + options.pattern + "; vak list tells the paths");
+    if (options.json) print_document(options.file, catalogue.layout, std::move(json));
+}
+
+}  // namespace
+
+void add_show(CLI::App& app)
+{
+    auto options = std::make_shared<Options>();
+    CLI::App* show =
+        app.add_subcommand("show", "Shows what blocks hold: attributes, shapes, first values, extremes");
+    show->add_option("FILE", options->file, "The result file, or a group in it: run.h5/post")->required();
+    show->add_option(
+        "PATTERN", options->pattern,
+        "Part of a path, or with *, ? or [] a pattern of whole paths. Without it every block is shown, "
+        "and no array is read");
+    show->add_flag("--json", options->json, "Print one JSON document");
+    show->add_flag("--all", options->all, "Print every value");
+    show->add_flag("--legacy", options->legacy, "Take the file for one of the legacy layout without looking");
+    show->callback([options] { run(*options); });
+}
+
+}  // namespace vak::cli
