@@ -73,17 +73,6 @@ private:
         return ierr;
     }
 
-    template <class S>
-    static int32_t everything(bool legacy)
-    {
-        if constexpr (!requires { S::everything_mode; })
-            return S::everything_pass;
-        else if constexpr (!requires { S::everything_pass; })
-            return S::everything_mode;
-        else
-            return legacy ? S::everything_pass : S::everything_mode;
-    }
-
     static void require(const std::string& name, int32_t status)
     {
         if (status < 0) throw std::runtime_error(name + ": status " + std::to_string(status));

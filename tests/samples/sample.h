@@ -119,4 +119,16 @@ S emptied(S sample)
     return sample;
 }
 
+// What a reader of that family is asked for everything with; some kinds have one way of asking only.
+template <class S>
+int32_t everything(bool legacy)
+{
+    if constexpr (!requires { S::everything_mode; })
+        return S::everything_pass;
+    else if constexpr (!requires { S::everything_pass; })
+        return S::everything_mode;
+    else
+        return legacy ? S::everything_pass : S::everything_mode;
+}
+
 }  // namespace vak::test

@@ -5,6 +5,8 @@
 //   exists.\n"));
 #pragma once
 
+#include <concepts>
+
 #include "frame/paths.h"
 #include "support/library.h"
 
@@ -29,11 +31,17 @@ inline Result status(int32_t ierr) { return {ierr, {}}; }
 
 inline Result failure(int32_t ierr, const std::string& line) { return {ierr, {"", line}}; }
 
+template <class S>
+concept MadeOfFamily = requires
+{
+    requires std::same_as<decltype(S::of(Family{})), S>;
+};
+
 // A sample of that family.
 template <class S>
 S sample_of(Family family)
 {
-    if constexpr (requires { S::of(family); }) {
+    if constexpr (MadeOfFamily<S>) {
         return S::of(family);
     } else {
         S sample;
