@@ -262,7 +262,9 @@ void VAK_OPEN(
     vak_id* group_id, const int32_t* domain_flag, const int32_t* option, int32_t* ierr)
 {
     const vak::Request request{
-        .file = {filename, *filename_len}, .group = {groupname, *groupname_len}, .domain = {domainname, *domainname_len},
+        .file = {filename, *filename_len},
+        .group = {groupname, *groupname_len},
+        .domain = {domainname, *domainname_len},
         .with_domain = *domain_flag != 0, .option = *option};
     *ierr = vak::exported([&] { return vak::open_file(request, group_id); });
 }

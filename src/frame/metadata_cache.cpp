@@ -10,11 +10,12 @@ namespace {
 using Cache = H5AC_cache_config_t;
 
 // Measured; see docs/reliability.md. HDF5 begins with 2 MiB and grows to 32.
-constexpr size_t size_to_read = 512 * 1024;
-constexpr size_t size_to_update = 2048 * 1024;
-constexpr size_t held_back_at_most = 512 * 1024;
-constexpr size_t left_after_a_flush = 128 * 1024;
-constexpr size_t hdf5_limit = 128 * 1024 * 1024;
+constexpr size_t kibibyte = 1024;
+constexpr size_t size_to_read = 512 * kibibyte;
+constexpr size_t size_to_update = 2048 * kibibyte;
+constexpr size_t held_back_at_most = 512 * kibibyte;
+constexpr size_t left_after_a_flush = 128 * kibibyte;
+constexpr size_t hdf5_limit = 128 * kibibyte * kibibyte;
 
 Cache fixed(Cache cache, size_t size, bool evictions)
 {
