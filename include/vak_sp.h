@@ -1230,6 +1230,28 @@ VAK_API void VAK_ERASE_STATES(
 VAK_API void VAK1_ERASE_STATES(
     const vak_id *group, const int32_t *nindex, const int32_t *index, const int32_t *verbose, int32_t *ierr);
 
+/* Merger: joins the n files of the domains of a distributed run, files[n] (root groups of open files), in `target`, open for
+ * writing. Blocks that describe the run (header, system, indices, variables, texts) are copied from the first file that has
+ * them; of blocks of the same place in several files one block is made with the union of their entities, in ascending
+ * order of identifiers. Of an entity that several domains have, the values of results with dmpswitch 1 are joined by the
+ * operators of their components (SUM, AVERAGE weighted by "weight", MIN, MAX); otherwise the lowest file's stand. Matrices
+ * are those of the lowest file. Blocks that do not fit together, and kinds that cannot be merged, are named in a
+ * warning. With more than one file, result DMPComputeDomainNumber tells for each element the lowest file that holds it.
+ * flags, params   compression of blocks that bring none of their own
+ * nvar, names, exponents   variables (256 characters each) and their scale-offset digits, as VAK_READ_PARAM gives them
+ * options         1 report on standard output, 2 detailed report, 4 no domain numbers
+ * real_size       least size of stored reals, 4 or 8; none is stored narrower than in the widest of the files
+ * ierr: 0; 1 a block of more than 5 index values; negative: the status of the step that failed, after its line. What was
+ * written until then stays in the target. */
+VAK_API void VAK_MERGE_DMP(
+    const vak_id *files, const vak_id *target, const int32_t *n, const int32_t *flags, const int32_t *params,
+    const int32_t *nvar, const char *names, const int32_t *exponents,
+    const int32_t *options, const int32_t *real_size, int32_t *ierr);
+VAK_API void VAK1_MERGE_DMP(
+    const vak_id *files, const vak_id *target, const int32_t *n, const int32_t *flags, const int32_t *params,
+    const int32_t *nvar, const char *names, const int32_t *exponents,
+    const int32_t *options, const int32_t *real_size, int32_t *ierr);
+
 /* Compression parameter file: lines of a variable name and a decimal exponent; "$" and "#" begin comments, other lines are
  * passed over. `filename` ends with a zero byte.
  * pass 0   count = number of entries

@@ -309,6 +309,8 @@ int32_t erase_states(Run run)
         std::fprintf(stderr, "\nVAK ERROR - no VAK blocks found - error code = %d\n", -1);
         return -1;
     }
+    // Blocks that were not found could not be cut back with the others.
+    if (run.file.status != 0) return read_error("vakblock", 1, run.file.status);
     if (run.verbose > 0)
         std::printf(" Info    : %d VAK blocks found\n", static_cast<int>(run.file.blocks.size()));
     check_sets(run);

@@ -6,6 +6,7 @@
 #include <cstdlib>
 #include <limits>
 #include <numeric>
+#include <utility>
 
 #include "vak_sp.h"
 
@@ -13,7 +14,8 @@ namespace vak {
 
 FileBlocks blocks_of(Family family, hid_t file)
 {
-    FileBlocks found{list_blocks(family, file).blocks, {}};
+    Listing listing = list_blocks(family, file);
+    FileBlocks found{std::move(listing.blocks), {}, listing.status};
     std::vector<int32_t> keys(found.blocks.size());
     std::transform(found.blocks.begin(), found.blocks.end(), keys.begin(),
                    [](const auto& b) { return b.key; });

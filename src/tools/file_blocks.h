@@ -17,6 +17,7 @@ constexpr int32_t header_key = 1;  // the file header in a listing
 struct FileBlocks {
     std::vector<ListedBlock> blocks;
     std::vector<int32_t> by_key;  // permutation of the blocks, keys ascending
+    int32_t status = 0;           // not 0: there may be blocks that were not found
 };
 
 FileBlocks blocks_of(Family, hid_t file);

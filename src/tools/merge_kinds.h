@@ -1,0 +1,49 @@
+// What the merger knows of each kind whose entities it joins: which field identifies them, and how the fields
+// of an entity that several domains have become one.
+#pragma once
+
+#include <span>
+
+#include "blocks/block.h"
+
+namespace vak {
+
+enum class Role {
+    index,   // of the state: the lowest file's
+    common,  // one for the whole block: the lowest file's
+    ids,     // identifies the entities: their union
+    row,     // one row for each entity: that of the lowest file that has it
+    flag,    // active in one file is active
+    weight,  // summed; 1 where a file has none
+    values   // by the operators of their components, where the block has them
+};
+
+struct Column {
+    const char* name;
+    int32_t type;
+    Role role;
+    bool is_lossy = false;  // its writer keeps the scale-offset bit
+};
+
+enum class Way {
+    join,     // by the columns
+    collect,  // collectors: sets of entities
+    copy      // matrices: the lowest file's
+};
+
+struct MergedKind {
+    BlockKind kind;
+    Way way = Way::join;
+    const char* count = nullptr;              // attribute: number of entities
+    std::span<const char* const> agreeing{};  // attributes in which blocks that become one must agree
+    std::span<const Column> columns{};        // in the order in which they are written
+    bool is_series = false;                   // index, flags and values have a leading axis of states
+    bool widens = false;                      // rows take the widest of the files' shapes
+    bool index_in_data = false;               // legacy: no subgroup "index"
+    bool is_rare = false;                     // reported only where there are such blocks
+};
+
+// In the order in which they are merged.
+std::span<const MergedKind> merged_kinds();
+
+}  // namespace vak

@@ -1,0 +1,163 @@
+#include "tools/merge_order.h"
+
+#include <algorithm>
+
+namespace vak {
+
+namespace {
+
+constexpr size_t kept_orders = 4;
+
+struct Range {
+    int64_t low = 0, high = -1;
+    size_t n = 0;
+
+    size_t span() const { return static_cast<size_t>(high - low + 1); }
+};
+
+Range range_of(const std::vector<Ids>& sources)
+{
+    Range r;
+    for (const Ids& ids : sources) {
+        if (ids.empty()) continue;
+        const auto [low, high] = std::minmax_element(ids.begin(), ids.end());
+        r.low = r.n == 0 ? *low : std::min<int64_t>(r.low, *low);
+        r.high = r.n == 0 ? *high : std::max<int64_t>(r.high, *high);
+        r.n += ids.size();
+    }
+    return r;
+}
+
+// Identifiers in a range that is not much wider than their number are ordered by counting.
+class DenseUnion {
+public:
+    DenseUnion(const std::vector<Ids>& sources, const Range& range) : low_(range.low), row_(range.span(), -1)
+    {
+        for (const Ids& source : sources)
+            for (const int32_t id : source) row_[slot(id)] = 0;
+        for (size_t i = 0; i < row_.size(); ++i) {
+            if (row_[i] < 0) continue;
+            row_[i] = static_cast<int32_t>(ids.size());
+            ids.push_back(static_cast<int32_t>(low_ + static_cast<int64_t>(i)));
+        }
+    }
+    int32_t row(int32_t id) const { return row_[slot(id)]; }
+
+    Ids ids;
+
+private:
+    size_t slot(int32_t id) const { return static_cast<size_t>(id - low_); }
+    int64_t low_;
+    std::vector<int32_t> row_;
+};
+
+class SortedUnion {
+public:
+    SortedUnion(const std::vector<Ids>& sources, const Range& range)
+    {
+        ids.reserve(range.n);
+        for (const Ids& source : sources) ids.insert(ids.end(), source.begin(), source.end());
+        std::sort(ids.begin(), ids.end());
+        ids.erase(std::unique(ids.begin(), ids.end()), ids.end());
+        ids.shrink_to_fit();
+    }
+    int32_t row(int32_t id) const
+    {
+        return static_cast<int32_t>(std::lower_bound(ids.begin(), ids.end(), id) - ids.begin());
+    }
+
+    Ids ids;
+};
+
+// Counts the rows that go to each merged row, as far as it matters: 0, 1, more.
+class Shares {
+public:
+    explicit Shares(size_t n) : last_(n, none), more_(n, false) {}
+
+    // False when this source has been at the row before.
+    bool add(int32_t row, int32_t source)
+    {
+        const auto r = static_cast<size_t>(row);
+        const bool again = last_[r] == source;
+        more_[r] = more_[r] || last_[r] != none;
+        last_[r] = source;
+        return !again;
+    }
+    std::vector<int32_t> rows() const
+    {
+        std::vector<int32_t> shared;
+        for (size_t i = 0; i < more_.size(); ++i)
+            if (more_[i]) shared.push_back(static_cast<int32_t>(i));
+        return shared;
+    }
+
+private:
+    static constexpr int32_t none = -1;
+    std::vector<int32_t> last_;
+    std::vector<bool> more_;
+};
+
+std::vector<SharedRow> shared_rows_of(const std::vector<int32_t>& place, const std::vector<int32_t>& slot)
+{
+    std::vector<SharedRow> rows;
+    for (size_t i = 0; i < place.size(); ++i)
+        if (const int32_t at = slot[static_cast<size_t>(place[i])]; at >= 0)
+            rows.push_back({static_cast<int32_t>(i), at});
+    return rows;
+}
+
+void find_shared_rows(Order& order)
+{
+    std::vector<int32_t> slot(order.size(), -1);
+    for (size_t i = 0; i < order.shared.size(); ++i)
+        slot[static_cast<size_t>(order.shared[i])] = static_cast<int32_t>(i);
+    for (const std::vector<int32_t>& place : order.place)
+        order.shared_rows.push_back(shared_rows_of(place, slot));
+}
+
+template <class Union>
+Order place_all(const std::vector<Ids>& sources, Union&& all)
+{
+    Order order;
+    Shares shares(all.ids.size());
+    for (size_t s = 0; s < sources.size(); ++s) {
+        std::vector<int32_t> place(sources[s].size());
+        bool repeats = false;
+        for (size_t i = 0; i < place.size(); ++i) {
+            place[i] = all.row(sources[s][i]);
+            if (!shares.add(place[i], static_cast<int32_t>(s))) repeats = true;
+        }
+        order.place.push_back(std::move(place));
+        order.repeats.push_back(repeats);
+    }
+    order.shared = shares.rows();
+    order.ids = std::move(all.ids);
+    find_shared_rows(order);
+    return order;
+}
+
+}  // namespace
+
+Order order_of(const std::vector<Ids>& sources)
+{
+    const Range range = range_of(sources);
+    if (range.n == 0 || range.span() <= 4 * range.n + 65536)
+        return place_all(sources, DenseUnion(sources, range));
+    return place_all(sources, SortedUnion(sources, range));
+}
+
+std::shared_ptr<const Order> OrderCache::find(std::vector<Ids>&& sources)
+{
+    const auto same = [&](const Entry& entry) { return entry.sources == sources; };
+    const auto found = std::find_if(entries_.begin(), entries_.end(), same);
+    if (found != entries_.end()) {
+        entries_.splice(entries_.begin(), entries_, found);
+        return found->order;
+    }
+    if (entries_.size() == kept_orders) entries_.pop_back();
+    auto order = std::make_shared<const Order>(order_of(sources));
+    entries_.push_front({std::move(sources), order});
+    return order;
+}
+
+}  // namespace vak

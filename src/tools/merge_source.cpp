@@ -1,0 +1,148 @@
+#include "tools/merge_source.h"
+
+#include <algorithm>
+#include <new>
+
+#include "catalogue/quiet_attribute.h"
+
+namespace vak {
+
+namespace {
+
+constexpr size_t small_column = size_t{1} << 20;
+
+size_t bytes_of(const std::vector<hsize_t>& dims, size_t element)
+{
+    size_t bytes = element;
+    for (const hsize_t extent : dims)
+        if (__builtin_mul_overflow(bytes, extent, &bytes)) throw std::bad_alloc();
+    return bytes;
+}
+
+Group open_section(const Group& block, const char* name)
+{
+    return Group(H5Gopen2(block.get(), name, H5P_DEFAULT));
+}
+
+}  // namespace
+
+SourceBlock::SourceBlock(const Merge& merge, const MergedKind& kind, const DomainBlock& s)
+    : source(s), kind_(kind), group_(open_source(merge, s))
+{
+    if (merge.family == Family::current) {
+        header_ = Group(H5Gopen2(group_.get(), ".", H5P_DEFAULT));
+        return;
+    }
+    header_ = open_section(group_, "header");
+    index_ = open_section(group_, "index");
+    data_ = open_section(group_, "data");
+}
+
+hid_t SourceBlock::group_of(const Column& c) const
+{
+    if (c.role == Role::index && index_.valid()) return index_.get();
+    return data_.valid() ? data_.get() : group_.get();
+}
+
+std::optional<int32_t> SourceBlock::integer_attribute(const char* name) const
+{
+    const char* const names[] = {name};
+    return integer_of(first_attribute(header_.get(), names));
+}
+
+std::string SourceBlock::text_attribute(const char* name) const
+{
+    const char* const names[] = {name};
+    return text_of(first_attribute(header_.get(), names)).value_or("");
+}
+
+Stored SourceBlock::stored(const Column& c) const
+{
+    Stored s;
+    const Dataset dataset(H5Dopen2(group_of(c), c.name, H5P_DEFAULT));
+    if (!dataset.valid()) return s;
+    const Type type(H5Dget_type(dataset.get()));
+    const Space space(H5Dget_space(dataset.get()));
+    const int rank = H5Sget_simple_extent_ndims(space.get());
+    s.is_there = rank >= 0;
+    s.element = H5Tget_size(type.get());
+    s.dims.resize(static_cast<size_t>(std::max(rank, 0)));
+    H5Sget_simple_extent_dims(space.get(), s.dims.data(), nullptr);
+    return s;
+}
+
+static int32_t read_integer(hid_t group, const char* name, int32_t* value)
+{
+    size_t stored = 0;
+    return VAK_H5Aread(name, value, integer_type, sizeof *value, nullptr, 0, group, &stored);
+}
+
+// The extent of the values' state axis; where no values are stored, that of the index values.
+void SourceBlock::find_states()
+{
+    nstate = 0;
+    for (const Column& c : kind_.columns) {
+        if (c.role != Role::values && c.role != Role::flag && c.role != Role::index) continue;
+        const Stored s = stored(c);
+        if (s.is_there && !s.dims.empty()) nstate = static_cast<int64_t>(s.dims[0]);
+    }
+}
+
+int32_t SourceBlock::read_counts()
+{
+    int32_t status = read_integer(attributes(), kind_.count, &count);
+    if (status == 0) status = read_integer(attributes(), "nindex", &nindex);
+    for (const char* name : kind_.agreeing) {
+        int32_t value = 0;
+        if (status == 0) status = read_integer(attributes(), name, &value);
+        agreeing.push_back(value);
+    }
+    count = std::max(count, 0);
+    if (status == 0 && kind_.is_series) find_states();
+    return status;
+}
+
+int32_t SourceBlock::read_part(const Column& c, size_t element, std::vector<hsize_t> dims,
+                               const Transfer& part, std::vector<char>& values)
+{
+    const auto read_into = [&](void* at) {
+        return VAK_H5Dread(c.name, at, c.type, element, dims.data(), static_cast<int32_t>(dims.size()),
+                           part.count.data(), part.start.data(), part.mode, group_of(c), &found_.flags,
+                           found_.params.data());
+    };
+    const size_t bytes = bytes_of(part.mode == hyperslab ? part.count : dims, element);
+    // Much memory is taken only for what the file really has.
+    if (bytes > small_column)
+        if (const int32_t status = read_into(nullptr); status != 0) return status;
+    values.resize(bytes);
+    return read_into(values.data());
+}
+
+int32_t SourceBlock::read(const Column& c, size_t element, const std::vector<hsize_t>& dims,
+                          std::vector<char>& values)
+{
+    return read_part(c, element, dims, whole(), values);
+}
+
+int32_t SourceBlock::read_states(const Column& c, size_t element, const std::vector<hsize_t>& dims,
+                                 hsize_t first, hsize_t n, std::vector<char>& values)
+{
+    Transfer part{hyperslab, dims, std::vector<hsize_t>(dims.size(), 0)};
+    part.count[0] = n;
+    part.start[0] = first;
+    return read_part(c, element, dims, part, values);
+}
+
+FoundStorage SourceBlock::filters()
+{
+    for (const Column& c : kind_.columns) {
+        const Stored s = stored(c);
+        if (!s.is_there || s.dims.empty()) continue;
+        const size_t element = c.type == real_type ? sizeof(float) : s.element;
+        VAK_H5Dread(c.name, nullptr, c.type, element, s.dims.data(), static_cast<int32_t>(s.dims.size()),
+                    nullptr, nullptr, whole_dataset, group_of(c), &found_.flags, found_.params.data());
+    }
+    return found_;
+}
+
+}  // namespace vak

@@ -1,0 +1,59 @@
+// A block that goes into a merged one, opened.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "tools/merge.h"
+#include "tools/merge_kinds.h"
+
+namespace vak {
+
+// How a column is stored in one block.
+struct Stored {
+    bool is_there = false;
+    size_t element = 0;  // bytes
+    std::vector<hsize_t> dims;
+};
+
+class SourceBlock {
+public:
+    SourceBlock(const Merge&, const MergedKind&, const DomainBlock&);
+
+    // Reads the counts that decide whether and how the block can be merged. 0, or the storage layer's code.
+    int32_t read_counts();
+
+    std::optional<int32_t> integer_attribute(const char* name) const;
+    std::string text_attribute(const char* name) const;
+    Stored stored(const Column&) const;
+
+    // Reads a column, whole or a slab of states; the extents are those that the file must have. The buffer is
+    // sized for it.
+    int32_t read(const Column&, size_t element, const std::vector<hsize_t>& dims, std::vector<char>& values);
+    int32_t read_states(const Column&, size_t element, const std::vector<hsize_t>& dims, hsize_t first,
+                        hsize_t n, std::vector<char>& values);
+
+    // The filters of all columns, found without reading values.
+    FoundStorage filters();
+
+    hid_t attributes() const { return header_.get(); }  // the group that holds them
+
+    DomainBlock source;
+    int32_t count = 0;  // entities
+    int32_t nindex = 0;
+    int64_t nstate = 1;             // series: extent of the state axis
+    std::vector<int32_t> agreeing;  // as the kind lists them
+
+private:
+    hid_t group_of(const Column&) const;
+    int32_t read_part(const Column&, size_t element, std::vector<hsize_t> dims, const Transfer&,
+                      std::vector<char>& values);
+    void find_states();
+
+    const MergedKind& kind_;
+    Group group_, header_, index_, data_;
+    FoundStorage found_;
+};
+
+}  // namespace vak
