@@ -68,19 +68,28 @@ bool countable(int64_t end, States s)
            end + std::max(s.start, int64_t{0}) + std::max(s.count, int64_t{0}) <= most_states;
 }
 
-// Removes rows behind `end`, and gives how many are missing before it.
-int64_t level(Block& io, const char* name, int64_t end)
+void keep_states(Block& io, const char* name, int64_t states)
 {
-    if (io.stopped || io.is_new) return 0;
     const Dataset dataset = open(io, "index", name);
-    const int64_t extent = std::max(states_in(dataset), int64_t{0});
-    if (extent <= end) return end - extent;
     const Space space(H5Dget_space(dataset.get()));
     std::array<hsize_t, H5S_MAX_RANK> extents{};
     H5Sget_simple_extent_dims(space.get(), extents.data(), nullptr);
-    extents[0] = static_cast<hsize_t>(end);
+    extents[0] = static_cast<hsize_t>(states);
     if (H5Dset_extent(dataset.get(), extents.data()) < 0) fail_writing(io, -3);
-    return 0;
+}
+
+// Rows go behind those of their own array, which as a rule ends where the series ends: the extent that comes
+// back tells. If not, as after a call that failed, they are taken back and written once more, beside their
+// values.
+template <class Write>
+void append_rows(Block& io, const char* name, const Growth& g, Write write)
+{
+    const int64_t after = write(g.added);
+    const bool nothing_written = io.stopped || after < 0;
+    if (nothing_written || after == g.after()) return;
+    const int64_t kept = std::min(after - g.added.start - g.added.count, g.end);
+    keep_states(io, name, kept);
+    write({g.added.start + g.end - kept, g.added.count});
 }
 
 // Values that are still missing belong to no complete state; without any values the index rows count.
@@ -119,10 +128,14 @@ void index_parts(Block& io, const Index& x, int64_t states, Transfer idents, Tra
 
 void append_index(Block& io, const Index& x, const Growth& g)
 {
-    const auto place = [&](const char* name) {
-        return rows({g.added.start + level(io, name, g.end), g.added.count}, {*x.nindex});
-    };
-    index_parts(io, x, growing, place("indexident"), place("indexval"));
+    const Shape extents{*x.nindex}, shape = with_states(growing, extents);
+    enter(io, "index");
+    append_rows(io, "indexident", g, [&](States s) {
+        return integer_part(io, "indexident", x.indexident, shape, rows(s, extents));
+    });
+    append_rows(io, "indexval", g, [&](States s) {
+        return real_part(io, {.name = "indexval", .values = x.indexval.at}, shape, rows(s, extents));
+    });
 }
 
 void append_reals(Block& io, const RealArray& a, Shape extents, const Growth& g)
