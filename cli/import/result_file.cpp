@@ -5,9 +5,10 @@
 #include <algorithm>
 #include <array>
 
+#include "import/conventions.h"
 #include "import/description.h"
+#include "import/mesh.h"
 #include "import/tensor.h"
-#include "store/call.h"
 
 namespace vak::import {
 
@@ -16,26 +17,23 @@ namespace {
 using store::call;
 using store::Int;
 
-constexpr Int none{-1}, zero{0}, one{1}, single_precision{4};
-constexpr Int no_filters{0};
-constexpr int32_t no_parameters[2] = {0, 0};
 constexpr int32_t real_values = 4, complex_values = 16;
-constexpr const char* nodes_type = "NODE";
 constexpr const char* no_zone = "";
 constexpr const char* global_frame = "GLOBAL";
 
-Int count(size_t n) { return {static_cast<int32_t>(n)}; }
-
 }  // namespace
 
-ResultFile::ResultFile(const std::string& path, const std::string& model, const Survey& survey)
-    : survey_(survey), file_(store::File::create(path, model))
+ResultFile::ResultFile(const std::string& path, const std::string& model, const Survey& survey,
+                       std::string series)
+    : survey_(survey), series_(std::move(series)), file_(store::File::create(path, model))
 {
     call("writing the header", VAK_WRITE_FILEHEADER, file_.root(), nullptr, nullptr);
     write_system(model);
     write_index();
     for (const Variable& variable : survey_.variables) write_variable(variable);
     write_coordinates();
+    write_mesh(file_, survey_.mesh, survey_.description);
+    write_text("RUN", run_lines(), nullptr);
 }
 
 void ResultFile::write_system(const std::string& model)
@@ -75,10 +73,38 @@ void ResultFile::write_coordinates()
     const frd::Mesh& mesh = survey_.mesh;
     if (mesh.nodes.empty()) return;
     write_variable({.key = "COORD", .components = xyz});
-    call("writing the node coordinates", VAK_WRITE_ENTITYRESULTS, file_.root(), nodes_type,
+    call("writing the node coordinates", VAK_WRITE_ENTITYRESULTS, file_.root(), node_type,
          count(mesh.nodes.size()), "COORD", Int{3}, no_zone, none, global_frame, zero, zero, zero, zero,
          nullptr, nullptr, mesh.nodes.data(), zero, nullptr, nullptr, nullptr, mesh.coordinates.data(), none,
          none, no_filters, no_parameters, Int{real_values});
+}
+
+// The lines 1C and 1U as they stand in the result file, without the blanks before them.
+std::vector<std::string> ResultFile::run_lines() const
+{
+    std::vector<std::string> lines;
+    if (!survey_.description.title.empty()) lines.push_back(std::string("1C") += survey_.description.title);
+    for (const std::string& line : survey_.description.user_lines) lines.push_back(std::string("1U") += line);
+    return lines;
+}
+
+void ResultFile::write_parameters(size_t state, const std::vector<std::string>& lines)
+{
+    write_text("PARAMETERS", lines, &survey_.states[state]);
+}
+
+// One text, constant or of a state.
+void ResultFile::write_text(const char* name, const std::vector<std::string>& lines, const State* state)
+{
+    if (lines.empty()) return;
+    size_t length = 0;
+    for (const std::string& line : lines) length = std::max(length, line.size());
+    std::string fields;
+    for (const std::string& line : lines) fields += line + std::string(length - line.size(), ' ');
+    call(std::string("writing the text ") + name, VAK_WRITE_TEXT, file_.root(), name, count(lines.size()),
+         count(length), state ? one : zero, Int{state ? state->analysis : 0},
+         state ? &state->number : nullptr, state ? &state->value : nullptr, fields.c_str(),
+         state ? Int{state->number} : none, no_filters, no_parameters, single_precision);
 }
 
 void ResultFile::write(const PlannedResult& result, const frd::Values& values)
@@ -99,13 +125,35 @@ void ResultFile::write(const PlannedResult& result, const frd::Values& real, con
 void ResultFile::write_results(const PlannedResult& result, const std::vector<int32_t>& nodes,
                                const float* values, int32_t value_form)
 {
+    if (series_.empty())
+        write_state(result, nodes, values, value_form);
+    else
+        append_state(result, nodes, values, value_form);
+}
+
+void ResultFile::write_state(const PlannedResult& result, const std::vector<int32_t>& nodes,
+                             const float* values, int32_t value_form)
+{
     const Variable& variable = survey_.variables[result.variable];
     const State& state = survey_.states[result.state];
     call("writing " + variable.key + " of state " + std::to_string(state.number), VAK_WRITE_ENTITYRESULTS,
-         file_.root(), nodes_type, count(nodes.size()), variable.key.c_str(),
+         file_.root(), node_type, count(nodes.size()), variable.key.c_str(),
          count(variable.components.size()), no_zone, none, global_frame, zero, zero, one, Int{state.analysis},
          Int{state.number}, &state.value, nodes.data(), zero, nullptr, nullptr, nullptr, values, none,
          Int{state.number}, no_filters, no_parameters, Int{value_form});
+}
+
+void ResultFile::append_state(const PlannedResult& result, const std::vector<int32_t>& nodes,
+                              const float* values, int32_t value_form)
+{
+    const Variable& variable = survey_.variables[result.variable];
+    const State& state = survey_.states[result.state];
+    const Int set{sets_.set_of(result.variable, value_form, nodes)};
+    call("appending " + variable.key + " of state " + std::to_string(state.number),
+         VAK_WRITE_MULTIENTITYRESULTS, file_.root(), series_.c_str(), node_type, count(nodes.size()),
+         variable.key.c_str(), count(variable.components.size()), no_zone, none, global_frame, zero, zero,
+         one, &state.number, &state.value, nodes.data(), zero, nullptr, nullptr, nullptr, values, set, one,
+         no_filters, no_parameters, Int{value_form});
 }
 
 }  // namespace vak::import

@@ -31,7 +31,10 @@ std::string Text::value() const
             static_cast<size_t>(VAK_strlen(field_.data(), static_cast<int32_t>(field_.size())))};
 }
 
-void Text::show(Reading& reading) const { reading.view.attributes.emplace_back(name_, value()); }
+void Text::show(Reading& reading) const
+{
+    if (!present_ || present_()) reading.view.attributes.emplace_back(name_, value());
+}
 
 void Flags::show(Reading& reading) const
 {
@@ -88,6 +91,7 @@ void Numbers<T>::take(const Request& request, int64_t state)
 {
     if (taken_ && !states_) return;
     taken_ = true;
+    read_ += values_.size();
     if (states_ && (request.all_values || kept_.size() < first_values))
         kept_.insert(kept_.end(), values_.begin(),
                      values_.begin() + static_cast<int64_t>(shown(values_.size(), request)));
@@ -105,9 +109,9 @@ void Numbers<T>::show(Reading& reading) const
     ArrayView view = view_of_type(type_name<T>());
     if (taken_) {
         const std::vector<T>& all = states_ ? kept_ : values_;
-        view.values = std::vector<T>(all.begin(),
-                                     all.begin() + static_cast<int64_t>(shown(all.size(), reading.request)));
-        view.complete = reading.request.all_values || (!states_ && all.size() <= first_values);
+        const auto end = all.begin() + static_cast<int64_t>(shown(all.size(), reading.request));
+        view.values = std::vector<T>(all.begin(), end);
+        view.complete = end == all.end() && all.size() == read_;
         if (statistics_)
             view.components =
                 statistics_->extremes(entities_ ? entities_->values() : std::vector<int32_t>{}, states_);

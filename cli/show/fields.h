@@ -28,6 +28,10 @@ struct Reading {
 class Text {
 public:
     explicit Text(const char* name, size_t length = 256) : name_(name), field_(length, ' ') {}
+    Text(const char* name, std::function<bool()> present)
+        : name_(name), field_(256, ' '), present_(std::move(present))
+    {
+    }
     char* pointer() { return field_.data(); }
     void show(Reading& reading) const;
     std::string value() const;
@@ -35,6 +39,7 @@ public:
 private:
     const char* name_;
     std::string field_;
+    std::function<bool()> present_;  // absent: always
 };
 
 // An integer attribute.
@@ -182,6 +187,7 @@ private:
     std::vector<T> values_;  // of the array, or of the state read last
     std::vector<T> kept_;    // of a series: what is shown
     std::optional<Statistics> statistics_;
+    size_t read_ = 0;  // how many values were read in all
     bool taken_ = false;
 };
 

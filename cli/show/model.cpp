@@ -30,8 +30,9 @@ void show_attributes(Reading& reading)
 void show_connectivities(Reading& reading)
 {
     Pass mode{1, 15}, pass{1, 2};
-    Text etyp("etyp"), etypelem("etypelem"), etyppart("etyppart"), etypnode("etypnode"), etypvar("etypvar");
+    Text etyp("etyp"), etypelem("etypelem"), etyppart("etyppart"), etypnode("etypnode");
     Integer nele("nele"), npele("npele"), ndim("ndim"), nbint("nbint"), nbfloat("nbfloat");
+    Text etypvar("etypvar", [&] { return nbfloat.value > 0; });
     Index index;
     Integers idele("idele", {nele}), pid("pid", {nele}), ic("ic", {nele, npele}),
         iparam("iparam", {nele, nbint});

@@ -5,6 +5,7 @@
 #include <vak_sp.h>
 
 #include <filesystem>
+#include <nlohmann/json.hpp>
 
 #include "cli/frd_text.h"
 #include "cli/program.h"
@@ -15,6 +16,7 @@
 #include "support/ids.h"
 
 using namespace vak::test;
+using nlohmann::json;
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::StartsWith;
@@ -29,10 +31,21 @@ std::string text_of(const char* field) { return {field, static_cast<size_t>(VAK_
 
 class Import : public testing::Test {
 protected:
-    Said import(const std::string& text)
+    Said import(const std::string& text, std::vector<std::string> options = {})
     {
         write_text(frd, text);
-        return vak_says({"import", frd, "-o", h5});
+        options.insert(options.begin(), {"import", frd, "-o", h5});
+        return vak_says(options);
+    }
+
+    // The one block whose path has the given part, as vak show tells it.
+    json shown(const std::string& path) const
+    {
+        const Said said = vak_says({"show", "--json", "--all", h5, path});
+        EXPECT_EQ(said.status, 0) << said;
+        const json blocks = json::parse(said.out)["blocks"];
+        EXPECT_EQ(blocks.size(), 1U) << path;
+        return blocks[0];
     }
 
     std::vector<std::string> files() const
@@ -164,6 +177,141 @@ TEST_F(Import, a_result_on_some_nodes_only_holds_these)
     const ReadBack read = read_back(h5, "singlestate/state000000000001/entityresults/NODE/CONTACT/vakblock");
     EXPECT_THAT(read.nodes, ElementsAre(7));
     EXPECT_THAT(read.values, ElementsAre(2.5F));
+}
+
+TEST_F(Import, the_mesh_is_stored_by_element_type)
+{
+    FrdText text = head();
+    text.begin_elements(3)
+        .element(5, 11, 0, 1, {1, 7})
+        .element(6, 12, 0, 1, {1, 7, 8})
+        .element(9, 11, 0, 1, {7, 1});
+    EXPECT_EQ(import(text.end_block().end().text()), fine);
+    const auto two_nodes_each = shown("connectivities/BE2");
+    EXPECT_EQ(two_nodes_each["attributes"], (json{{"etyp", "ELEMENT"},
+                                                  {"etypelem", "BE2"},
+                                                  {"etyppart", "PART"},
+                                                  {"etypnode", "NODE"},
+                                                  {"nele", 2},
+                                                  {"npele", 2},
+                                                  {"ndim", 1},
+                                                  {"nbint", 0},
+                                                  {"nbfloat", 0},
+                                                  {"nindex", 0},
+                                                  {"indexic", 0}}));
+    EXPECT_EQ(two_nodes_each["arrays"]["idele"]["values"], (json{5, 9}));
+    EXPECT_EQ(two_nodes_each["arrays"]["pid"]["values"], (json{1, 1}));
+    EXPECT_EQ(two_nodes_each["arrays"]["ic"]["values"], (json{1, 7, 7, 1}));
+    EXPECT_EQ(shown("connectivities/BE3")["arrays"]["ic"]["values"], (json{1, 7, 8}));
+    EXPECT_EQ(shown("identifiers/NODE")["arrays"]["entid"]["values"], (json{1, 7}));
+}
+
+TEST_F(Import, every_element_type_is_stored_under_its_name_with_its_dimension)
+{
+    const std::vector<std::pair<std::string, int>> types{{"HE8", 3},  {"PE6", 3},  {"TE4", 3}, {"HE20", 3},
+                                                         {"PE15", 3}, {"TE10", 3}, {"TR3", 2}, {"TR6", 2},
+                                                         {"QU4", 2},  {"QU8", 2},  {"BE2", 1}, {"BE3", 1}};
+    constexpr int nodes[] = {8, 6, 4, 20, 15, 10, 3, 6, 4, 8, 2, 3};
+    FrdText text = head();
+    text.begin_elements(12);
+    for (int type = 1; type <= 12; ++type)
+        text.element(type, type, 0, 1, std::vector<int>(static_cast<size_t>(nodes[type - 1]), 7));
+    import(text.end_block().end().text());
+    for (size_t i = 0; i < types.size(); ++i) {
+        const auto block = shown("connectivities/" + types[i].first + "/");
+        EXPECT_EQ(block["attributes"]["ndim"], types[i].second) << types[i].first;
+        EXPECT_EQ(block["attributes"]["npele"], nodes[i]) << types[i].first;
+        EXPECT_EQ(block["arrays"]["idele"]["values"], (json{i + 1})) << types[i].first;
+    }
+}
+
+TEST_F(Import, materials_and_groups_are_parts_and_groups_are_collectors_too)
+{
+    FrdText text = head();
+    text.begin_elements(4)
+        .element(1, 11, 0, 1, {1, 7})
+        .element(2, 11, 3, 1, {1, 7})
+        .element(3, 12, 3, 1, {1, 7, 1});
+    import(text.element(4, 11, 8, 2, {1, 7}).end_block().end().text());
+    const auto parts = shown("parts/PART");
+    EXPECT_EQ(parts["arrays"]["pid"]["values"], (json{1, 2, 3}));
+    EXPECT_EQ(parts["arrays"]["title"]["values"], (json{"STEEL", "STEEL, group 3", "material 2, group 8"}));
+    EXPECT_EQ(parts["arrays"]["mid"]["values"], (json{1, 1, 2}));
+    EXPECT_FALSE(parts["arrays"].contains("mtyp"));
+    EXPECT_EQ(shown("connectivities/BE2")["arrays"]["pid"]["values"], (json{1, 2, 3}));
+    const auto groups = shown("collector/GROUP");
+    EXPECT_EQ(groups["arrays"]["idcoll"]["values"], (json{3, 8}));
+    EXPECT_EQ(groups["arrays"]["etyp"]["values"], (json{"BE2", "BE3"}));
+    EXPECT_EQ(groups["arrays"]["nent"]["values"], (json{1, 1, 1, 0}));
+    EXPECT_EQ(groups["arrays"]["entid"]["values"], (json{2, 3, 4}));
+}
+
+TEST_F(Import, without_groups_there_is_no_collector)
+{
+    FrdText text = head();
+    import(text.begin_elements(1).element(1, 11, 0, 1, {1, 7}).end_block().end().text());
+    EXPECT_EQ(vak_says({"show", h5, "collector"}).status, 2);
+}
+
+TEST_F(Import, the_lines_of_the_run_and_of_each_state_are_texts)
+{
+    FrdText text = head();
+    text.line("    1PMODE                         1").result("DISP", displacement, vectors, {1, 4, 2});
+    text.line("    1PMODE                         1").result("NDTEMP", temperature, {{1, {20}}}, {1, 4, 2});
+    import(text.result("DISP", displacement, vectors, {2, 5, 2}).end().text());
+    const auto run = shown("constant/text/RUN");
+    EXPECT_EQ(run["arrays"]["line"]["values"][0], "1UModel: two nodes");
+    EXPECT_EQ(run["arrays"]["line"]["values"][6], "1UVERSION           Version 2.11");
+    EXPECT_EQ(run["attributes"]["nlines"], 8);
+    const auto state = shown("state000000000004/text/PARAMETERS");
+    EXPECT_EQ(state["arrays"]["line"]["values"],
+              (json{"1PMODE                         1",
+                    "1PSTEP                         4           4           1"}));
+    EXPECT_EQ(state["arrays"]["indexval"]["values"], (json{1.0}));
+    EXPECT_EQ(shown("state000000000005/text/PARAMETERS")["attributes"]["nlines"], 1);
+}
+
+TEST_F(Import, a_series_holds_all_states_of_a_variable_in_one_block)
+{
+    FrdText text = head();
+    for (int step = 1; step <= 3; ++step)
+        text.result("NDTEMP", temperature, {{1, {1.0 * step}}, {7, {10.0 * step}}}, {0.5 * step, step, 1});
+    EXPECT_EQ(import(text.end().text(), {"--series", "RUN"}), fine);
+    const auto block = shown("multistate/RUN/multientityresults/NODE/NDTEMP");
+    EXPECT_EQ(block["attributes"]["nstate"], 3);
+    EXPECT_EQ(block["arrays"]["indexident"]["values"], (json{1, 2, 3}));
+    EXPECT_EQ(block["arrays"]["indexval"]["values"], (json{0.5, 1.0, 1.5}));
+    EXPECT_EQ(block["arrays"]["entid"]["values"], (json{1, 7}));
+    EXPECT_EQ(block["arrays"]["res"]["values"], (json{1, 10, 2, 20, 3, 30}));
+    EXPECT_EQ(vak_says({"show", h5, "singlestate/*/entityresults"}).status, 2);
+}
+
+TEST_F(Import, a_series_whose_nodes_or_form_change_goes_on_in_further_sets)
+{
+    FrdText text = head();
+    text.result("NDTEMP", temperature, {{1, {1}}, {7, {2}}}, {1, 1, 1})
+        .result("NDTEMP", temperature, {{7, {3}}}, {2, 2, 1});
+    text.result("NDTEMP", temperature, {{7, {4}}}, {3, 3, 1})
+        .result("NDTEMP", temperature, {{1, {5}}, {7, {6}}}, {4, 4, 1});
+    text.result("NDTEMP", temperature, {{7, {7}}}, {5, 5, 1})
+        .result("NDTEMPI", temperature, {{7, {8}}}, {5, 5, 1});
+    EXPECT_EQ(import(text.end().text(), {"--series", "RUN"}), fine);
+    const std::string place = "multistate/RUN/multientityresults/NODE/NDTEMP";
+    EXPECT_EQ(shown(place + "/vakblock")["arrays"]["res"]["values"], (json{1, 2, 5, 6}));
+    EXPECT_EQ(shown(place + "/vakblock")["arrays"]["indexident"]["values"], (json{1, 4}));
+    EXPECT_EQ(shown(place + "_set2/vakblock")["arrays"]["res"]["values"], (json{3, 4}));
+    EXPECT_EQ(shown(place + "_set3/vakblock")["key"], 1051);
+    EXPECT_EQ(shown(place + "_set3/vakblock")["arrays"]["res"]["values"], (json{7, 8}));
+}
+
+TEST_F(Import, a_series_needs_a_name_that_is_one_level_of_a_path)
+{
+    for (const char* name : {"", "A/B", "..", "A "}) {
+        const Said said = import(head().end().text(), {"--series", name});
+        EXPECT_EQ(said.status, 2) << name;
+        EXPECT_EQ(std::count(said.err.begin(), said.err.end(), '\n'), 1) << said.err;
+    }
+    EXPECT_THAT(files(), ElementsAre("run.frd"));
 }
 
 TEST_F(Import, not_a_number_and_infinity_are_stored_as_they_are)

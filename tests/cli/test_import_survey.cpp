@@ -2,6 +2,8 @@
 
 #include "cli/frd_text.h"
 #include "import/description.h"
+#include "import/mesh.h"
+#include "import/series_sets.h"
 #include "import/survey.h"
 #include "import/tensor.h"
 #include "support/temp_file.h"
@@ -250,4 +252,35 @@ TEST(Description, dates_in_figures_are_understood_and_others_are_blank)
     EXPECT_EQ(date("31.foo.2020"), "        ");
     EXPECT_EQ(describe({}, "").date, "        ");
     EXPECT_EQ(describe({}, "").time, "        ");
+}
+
+TEST(SeriesSets, states_on_other_nodes_or_of_another_form_go_into_further_sets)
+{
+    SeriesSets sets;
+    EXPECT_EQ(sets.set_of(0, 4, {1, 2, 3}), -1);
+    EXPECT_EQ(sets.set_of(0, 4, {1, 2}), 2);
+    EXPECT_EQ(sets.set_of(0, 16, {1, 2, 3}), 3);
+    EXPECT_EQ(sets.set_of(0, 4, {1, 2, 3}), -1);
+    EXPECT_EQ(sets.set_of(0, 4, {1, 2}), 2);
+    EXPECT_EQ(sets.set_of(7, 4, {1, 2}), -1) << "another variable has its own sets";
+}
+
+TEST(Parts, are_what_has_one_group_and_one_material)
+{
+    vak::frd::Mesh mesh;
+    mesh.elements[1] = {.ids = {1, 2, 3}, .groups = {0, 5, 0}, .materials = {2, 1, 1}, .nodes = {}};
+    mesh.elements[4] = {.ids = {4}, .groups = {0}, .materials = {2}, .nodes = {}};
+    const auto parts = part_numbers(mesh);
+    ASSERT_EQ(parts.size(), 3U);
+    EXPECT_EQ(parts.at({0, 1}), 1);
+    EXPECT_EQ(parts.at({0, 2}), 2);
+    EXPECT_EQ(parts.at({5, 1}), 3);
+}
+
+TEST(Parts, are_titled_by_material_and_group)
+{
+    const auto lines = described({"USER", "MAT    1STEEL", "MAT   12CAST IRON"});
+    EXPECT_EQ(part_title(lines, {0, 1}), "STEEL");
+    EXPECT_EQ(part_title(lines, {3, 12}), "CAST IRON, group 3");
+    EXPECT_EQ(part_title(lines, {0, 2}), "material 2");
 }
