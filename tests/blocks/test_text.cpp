@@ -196,6 +196,27 @@ TEST_P(TextInBothFamilies, lines_are_stored_as_given)
     EXPECT_EQ(text.line, written.line);
 }
 
+TEST_F(TextBlock, swapped_block_of_another_size_is_refused_untouched)
+{
+    const Text first;
+    EXPECT_EQ(write(first), success);
+    Text larger;
+    larger.name = padded("larger");
+    larger.nlines = 4;
+    larger.line = std::string(4 * 80, 'x');
+    EXPECT_EQ(write(larger), success);
+    Text text = emptied(first);
+    EXPECT_EQ(read(text, 1), success);
+    text.index.nindex = 0;
+    const std::string before = listing(text);
+    EXPECT_EQ(
+        read(text, 2, larger.path()),
+        failure(-6030,
+                "VAK INTERNAL ERROR (30) in VAK_H5Dread - name, vak_type, data_size, error: line 1 80 0\n"));
+    EXPECT_EQ(listing(text), before);
+    EXPECT_EQ(text.found_flags, untouched);
+}
+
 TEST_P(TextInBothFamilies, same_name_is_refused_and_another_is_not)
 {
     auto text = sample<Text>();
