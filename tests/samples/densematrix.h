@@ -1,6 +1,7 @@
 #pragma once
 
 #include "samples/sample.h"
+#include "samples/transfer.h"
 #include "vak_sp.h"
 
 namespace vak::test {
@@ -15,6 +16,7 @@ struct DenseMatrix : Sample {
     SampleIndex index;
     std::vector<float> val{1, 0.5F, -2, 3.25F, 1e-9F, 6};
     int32_t ivsize = 4;
+    SampleTransfer part;
 
     static DenseMatrix complex_of(Family family)
     {
@@ -45,12 +47,11 @@ struct DenseMatrix : Sample {
 
     int32_t write(hid_t file) const
     {
-        const int32_t whole = 0;
         int32_t ierr = untouched;
         (legacy() ? VAK1_WRITE_DENSEMATRIX : VAK_WRITE_DENSEMATRIX)(
             &file, etyp.data(), &entid, etypvar.data(), &nrow, &ncolumn, &index.nindex, &index.indexic,
             index.indexident.data(), index.indexval.data(), val.data(), &state, &flags, params, &ivsize,
-            &whole, nullptr, nullptr, &ierr);
+            &part.mode, part.counts.data(), part.starts.data(), &ierr);
         return ierr;
     }
 
@@ -60,7 +61,7 @@ struct DenseMatrix : Sample {
         (legacy() ? VAK1_READ_DENSEMATRIX : VAK_READ_DENSEMATRIX)(
             &group, &mode, etyp.data(), &entid, etypvar.data(), &nrow, &ncolumn, &index.nindex,
             &index.indexic, out(index.indexident), out(index.indexval), out(val), &found_flags, found_params,
-            nullptr, nullptr, &ierr);
+            part.counts.data(), part.starts.data(), &ierr);
         return ierr;
     }
 };

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "samples/sample.h"
+#include "samples/transfer.h"
 #include "vak_sp.h"
 
 namespace vak::test {
@@ -18,6 +19,7 @@ struct SparseMatrix : Sample {
     std::vector<int64_t> rowptr{0, 2, 3, 6};
     std::vector<float> val{1, 0.5F, -2, 3.25F, 1e-9F, 6};
     int32_t ivsize = 4;
+    SampleTransfer part;
 
     static SparseMatrix complex_of(Family family)
     {
@@ -48,12 +50,11 @@ struct SparseMatrix : Sample {
 
     int32_t write(hid_t file) const
     {
-        const int32_t whole = 0;
         int32_t ierr = untouched;
         (legacy() ? VAK1_WRITE_SPARSEMATRIX : VAK_WRITE_SPARSEMATRIX)(
             &file, etyp.data(), &entid, etypvar.data(), &nrow, &nnz, &index.nindex, &index.indexic,
             index.indexident.data(), index.indexval.data(), colind.data(), rowptr.data(), val.data(), &state,
-            &flags, params, &ivsize, &whole, nullptr, nullptr, &ierr);
+            &flags, params, &ivsize, &part.mode, part.counts.data(), part.starts.data(), &ierr);
         return ierr;
     }
 
@@ -63,7 +64,7 @@ struct SparseMatrix : Sample {
         (legacy() ? VAK1_READ_SPARSEMATRIX : VAK_READ_SPARSEMATRIX)(
             &group, &mode, etyp.data(), &entid, etypvar.data(), &nrow, &nnz, &index.nindex, &index.indexic,
             out(index.indexident), out(index.indexval), out(colind), out(rowptr), out(val), &found_flags,
-            found_params, nullptr, nullptr, &ierr);
+            found_params, part.counts.data(), part.starts.data(), &ierr);
         return ierr;
     }
 };

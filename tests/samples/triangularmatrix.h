@@ -1,6 +1,7 @@
 #pragma once
 
 #include "samples/sample.h"
+#include "samples/transfer.h"
 #include "vak_sp.h"
 
 namespace vak::test {
@@ -15,6 +16,7 @@ struct TriangularMatrix : Sample {
     SampleIndex index;
     std::vector<float> val{1, 0.5F, -2, 3.25F, 1e-9F, 6};
     int32_t ivsize = 4;
+    SampleTransfer part;
 
     static TriangularMatrix complex_of(Family family)
     {
@@ -43,12 +45,11 @@ struct TriangularMatrix : Sample {
 
     int32_t write(hid_t file) const
     {
-        const int32_t whole = 0;
         int32_t ierr = untouched;
         (legacy() ? VAK1_WRITE_TRIANGULARMATRIX : VAK_WRITE_TRIANGULARMATRIX)(
             &file, etyp.data(), &entid, etypvar.data(), &nsize, &matrixtype, &index.nindex, &index.indexic,
             index.indexident.data(), index.indexval.data(), val.data(), &state, &flags, params, &ivsize,
-            &whole, nullptr, nullptr, &ierr);
+            &part.mode, part.counts.data(), part.starts.data(), &ierr);
         return ierr;
     }
 
@@ -58,7 +59,7 @@ struct TriangularMatrix : Sample {
         (legacy() ? VAK1_READ_TRIANGULARMATRIX : VAK_READ_TRIANGULARMATRIX)(
             &group, &mode, etyp.data(), &entid, etypvar.data(), &nsize, &matrixtype, &index.nindex,
             &index.indexic, out(index.indexident), out(index.indexval), out(val), &found_flags, found_params,
-            nullptr, nullptr, &ierr);
+            part.counts.data(), part.starts.data(), &ierr);
         return ierr;
     }
 };
