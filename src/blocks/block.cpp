@@ -303,7 +303,7 @@ void report_storage(const Block& io, Arg<int32_t> flags, Arg<int32_t> params)
 {
     if (io.stopped || !io.found.any) return;
     *flags = static_cast<int32_t>(io.found.flags);
-    std::copy(io.found.params.begin(), io.found.params.end(), params.at);
+    if (params.at != nullptr) std::copy(io.found.params.begin(), io.found.params.end(), params.at);
 }
 
 void refuse_existing(Block& io)

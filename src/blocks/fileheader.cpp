@@ -101,7 +101,7 @@ int32_t read_fileheader(Family family, hid_t location, char* version, int32_t* f
         return status;
     }
     *flags = static_cast<int32_t>(found_flags);
-    std::copy_n(found_params, 2, params);
+    if (params != nullptr) std::copy_n(found_params, 2, params);
     const char* const text = record.data() + version_at;
     status = wrong_signature_bytes(record.data());
     if (!has_version_of(family, text)) status += 100;

@@ -150,6 +150,48 @@ TEST_P(UnwantedArrays, are_not_delivered_and_the_rest_is_as_ever)
     EXPECT_EQ(read(false), read(true));
 }
 
+class UnwantedFilters : public BothFamilies {};
+INSTANTIATE_TEST_SUITE_P(Contracts, UnwantedFilters, both_families, family_name);
+
+TEST_P(UnwantedFilters, parameters_are_not_delivered_and_the_flags_are)
+{
+    const auto parts = sample<Parts>();
+    ASSERT_EQ(write(parts), success);
+    const ObjectId group = open_object(file, parts.path());
+    auto p = emptied(parts);
+    EXPECT_EQ(run([&] {
+                  const hid_t id = group;
+                  const int32_t all = 3;
+                  int32_t ierr = untouched;
+                  (legacy() ? VAK1_READ_PARTS : VAK_READ_PARTS)(
+                      &id, &all, p.etyppart.data(), &p.npart, &p.off, &p.length, &p.index.nindex,
+                      &p.index.indexic, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr, nullptr,
+                      &p.found_flags, nullptr, &ierr);
+                  return ierr;
+              }),
+              success);
+    EXPECT_EQ(p.found_flags, 0);
+}
+
+TEST_P(UnwantedFilters, parameters_of_the_header_are_not_delivered)
+{
+    const auto header = [&](auto routine, auto... arguments) {
+        return run([&] {
+            const ObjectId location = open_object(file, exists(file, "vakheader") ? "vakheader" : "/");
+            const hid_t id = location;
+            int32_t ierr = untouched;
+            routine(&id, arguments..., &ierr);
+            return ierr;
+        });
+    };
+    std::string version(32, '?');
+    int32_t flags = untouched;
+    ASSERT_EQ(header(legacy() ? VAK1_WRITE_FILEHEADER : VAK_WRITE_FILEHEADER, nullptr, nullptr), success);
+    EXPECT_EQ(header(legacy() ? VAK1_READ_FILEHEADER : VAK_READ_FILEHEADER, version.data(), &flags, nullptr),
+              success);
+    EXPECT_EQ(flags, 0);
+}
+
 INSTANTIATE_TEST_SUITE_P(Contracts, UnwantedArrays, testing::ValuesIn(cases()),
                          [](const auto& block) { return block.param.name; });
 
