@@ -7,6 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include "storage/buffer.h"
@@ -38,7 +39,10 @@ struct StoredChunk {
 
 class ChunkCodec {
 public:
-    ChunkCodec(const ChunkFilters& filters, size_t chunk_size) : filters_(filters), chunk_size_(chunk_size) {}
+    ChunkCodec(ChunkFilters filters, size_t chunk_size)
+        : filters_(std::move(filters)), chunk_size_(chunk_size)
+    {
+    }
 
     // Values in the stored type to what goes into the file; valid until the next call. Scale-offset is left
     // out of a chunk that it cannot hold soundly, and, if `exact`, where it would round. Nothing: deflate
@@ -48,6 +52,8 @@ public:
     // False: the bytes are not a chunk of this dataset.
     bool decode(const StoredChunk& chunk, unsigned char* values);
 
+    const ChunkFilters& filters() const { return filters_; }
+
     // Whether scale-offset rounded nothing in a chunk with this mask.
     bool is_exact(uint32_t mask) const { return !filters_.scale_offset.real || (mask & 1) != 0; }
 
@@ -55,7 +61,7 @@ private:
     bool encode_step(const FilterStep& step, bool exact, StoredChunk& chunk, Buffer& buffer);
     size_t decode_step(const FilterStep& step, const StoredChunk& chunk, unsigned char* to, size_t room);
 
-    const ChunkFilters& filters_;
+    ChunkFilters filters_;
     size_t chunk_size_;
     Buffer buffers_[2];
     std::optional<Deflater> deflater_;

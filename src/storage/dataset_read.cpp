@@ -4,6 +4,7 @@
 #include <cstdio>
 
 #include "storage/chunk_check.h"
+#include "storage/direct_chunks.h"
 
 namespace vak {
 
@@ -85,9 +86,8 @@ int32_t take_filters(const DatasetRead& r, const FoundLayout& layout)
     return 0;
 }
 
-int32_t read_values(const DatasetRead& r, const Source& source)
+int32_t read_by_hdf5(const DatasetRead& r, const Source& source)
 {
-    if (r.data == nullptr) return 0;
     Space memory;
     hid_t memory_space = H5S_ALL;
     hid_t file_space = H5S_ALL;
@@ -100,6 +100,29 @@ int32_t read_values(const DatasetRead& r, const Source& source)
     const herr_t status =
         H5Dread(source.dataset.get(), r.memory_type, memory_space, file_space, H5P_DEFAULT, r.data);
     return status < 0 ? fail(r, 999, status) : 0;
+}
+
+Direct read_by_chunks(const DatasetRead& r, const Source& source)
+{
+    if (r.data == nullptr) return Direct::left;
+    return read_chunks({.dataset = source.dataset.get(),
+                        .list = source.layout.list.get(),
+                        .type = r.type,
+                        .data_size = r.data_size,
+                        .memory_type = r.memory_type,
+                        .part = r.part,
+                        .extents = source.shape()},
+                       r.data);
+}
+
+int32_t read_values(const DatasetRead& r, const Source& source)
+{
+    const Direct direct = read_by_chunks(r, source);
+    if (direct == Direct::failed) return fail(r, 999, -1);
+    if (direct == Direct::done) return 0;
+    if (!chunks_are_plausible(source.dataset.get(), source.layout, r.part, source.shape(), source.type.size))
+        return fail(r, 999, -1);
+    return r.data == nullptr ? 0 : read_by_hdf5(r, source);
 }
 
 // A dataset that is asked for a single value gives its first element, whatever its shape.
@@ -136,8 +159,6 @@ int32_t read_opened(DatasetRead& r, Source& source)
     if (!source.layout.is_usable) return fail(r, 999, -1);
     if (const int32_t status = open_space(r, source)) return status;
     if (const int32_t status = take_filters(r, source.layout)) return status;
-    if (!chunks_are_plausible(source.dataset.get(), source.layout, r.part, source.shape(), source.type.size))
-        return fail(r, 999, -1);
     r.memory_type = memory_type_beside(source.type, r.type, r.memory_type, r.data_size);
     return read_values(r, source);
 }

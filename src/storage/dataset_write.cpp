@@ -4,6 +4,7 @@
 #include <cstdio>
 
 #include "storage/chunk_check.h"
+#include "storage/direct_chunks.h"
 #include "storage/element_type.h"
 
 namespace vak {
@@ -126,9 +127,8 @@ int32_t give_up(const DatasetWrite& w, Target& target, int32_t number, int64_t e
     return fail(w, number, error, -3000 - number);
 }
 
-int32_t write_values(const DatasetWrite& w, Target& target)
+int32_t write_by_hdf5(const DatasetWrite& w, Target& target)
 {
-    if (w.part.mode == point_list && points_beyond(w)) return fail(w, 999, -1, -3999);
     Space memory;
     hid_t memory_space = H5S_ALL;
     hid_t file_space = H5S_ALL;
@@ -140,8 +140,34 @@ int32_t write_values(const DatasetWrite& w, Target& target)
     }
     const herr_t status =
         H5Dwrite(target.dataset.get(), w.memory_type, memory_space, file_space, H5P_DEFAULT, w.data);
+    return status < 0 ? give_up(w, target, 999, status) : 0;
+}
+
+Direct write_by_chunks(const DatasetWrite& w, const Target& target)
+{
+    Extents extents;
+    if (H5Sget_simple_extent_dims(target.space.get(), extents.data(), nullptr) < 0) return Direct::failed;
+    return write_chunks({.dataset = target.dataset.get(),
+                         .list = target.list.get(),
+                         .type = w.type,
+                         .data_size = w.data_size,
+                         .memory_type = w.memory_type,
+                         .part = w.part,
+                         .extents = {extents.data(), w.dims.size()},
+                         .maximum = {w.maximum.data(), w.dims.size()},
+                         .is_new = target.is_new},
+                        w.data);
+}
+
+int32_t write_values(const DatasetWrite& w, Target& target)
+{
+    if (w.part.mode == point_list && points_beyond(w)) return fail(w, 999, -1, -3999);
+    const Direct direct = write_by_chunks(w, target);
+    if (direct == Direct::failed) return give_up(w, target, 999, -1);
+    if (direct == Direct::left)
+        if (const int32_t status = write_by_hdf5(w, target)) return status;
     // Errors of the disk often show only when HDF5 writes out what it holds, on closing.
-    return status >= 0 && target.dataset.close() ? 0 : give_up(w, target, 999, std::min(status, -1));
+    return target.dataset.close() ? 0 : give_up(w, target, 999, -1);
 }
 
 // What must hold before the file is touched.

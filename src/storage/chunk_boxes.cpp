@@ -1,0 +1,144 @@
+// Slabs and whole datasets, chunk by chunk.
+#include "storage/array_box.h"
+#include "storage/chunk_moves.h"
+#include "storage/element_copy.h"
+
+namespace vak {
+namespace {
+
+// The box of a transfer within the dataset; the caller's array has its extents.
+struct Box {
+    explicit Box(const ChunkTransfer& t) : rank(t.extents.size())
+    {
+        const bool whole = t.part.mode == whole_dataset;
+        std::copy_n(whole ? t.extents.data() : t.part.count, rank, count.begin());
+        if (!whole) std::copy_n(t.part.start, rank, first.begin());
+    }
+
+    size_t rank;
+    Extents first{};
+    Extents count{};
+};
+
+// What of a box lies in one chunk.
+struct Overlap {
+    Overlap(const Box& box, const Extents& chunk, const Extents& which) : rank(box.rank)
+    {
+        for (size_t i = 0; i < rank; ++i) {
+            corner[i] = (box.first[i] / chunk[i] + which[i]) * chunk[i];
+            const hsize_t begin = std::max(corner[i], box.first[i]);
+            const hsize_t end = std::min(corner[i] + chunk[i], box.first[i] + box.count[i]);
+            in_chunk[i] = begin - corner[i];
+            in_box[i] = begin - box.first[i];
+            count[i] = end - begin;
+        }
+    }
+
+    std::span<const hsize_t> counts() const { return {count.data(), rank}; }
+
+    size_t rank;
+    Extents corner{};    // of the chunk within the dataset
+    Extents in_chunk{};  // where it begins in the chunk
+    Extents in_box{};    // and in the caller's array
+    Extents count{};
+};
+
+// Calls one(overlap) for each chunk that the box touches, until one gives false.
+template <class One>
+bool every_chunk(const Box& box, const Extents& chunk, One one)
+{
+    Extents chunks{};
+    for (size_t i = 0; i < box.rank; ++i)
+        chunks[i] = (box.first[i] + box.count[i] - 1) / chunk[i] - box.first[i] / chunk[i] + 1;
+    Extents which{};
+    do {
+        if (!one(Overlap(box, chunk, which))) return false;
+    } while (next_in_box(which.data(), chunks.data(), box.rank));
+    return true;
+}
+
+// What the two directions have in common.
+struct BoxMove {
+    BoxMove(const ChunkTransfer& t, ChunkedDataset& d) : transfer(t), chunks(d), box(t) {}
+
+    bool is_whole(const Overlap& o) const { return o.count == chunks.chunk(); }
+    bool is_all_there_is(const Overlap& o) const { return o.count == chunks.inside(o.corner); }
+
+    // Whether the caller's array holds the chunk as it is in the dataset.
+    bool matches(const Overlap& o) const
+    {
+        return is_whole(o) && transfer.data_size == chunks.element_size() &&
+               one_run(o.counts(), box.count.data());
+    }
+
+    size_t offset(const Overlap& o) const
+    {
+        return offset_in(box.count.data(), o.in_box.data(), box.rank) * transfer.data_size;
+    }
+
+    BoxPlace in_array(const Overlap& o) const { return {box.count.data(), o.in_box.data()}; }
+    BoxPlace in_chunk(const Overlap& o) const { return {chunks.chunk().data(), o.in_chunk.data()}; }
+
+    const ChunkTransfer& transfer;
+    ChunkedDataset& chunks;
+    Box box;
+    Buffer buffer{};
+};
+
+bool write_one(BoxMove& m, const Overlap& o, const unsigned char* data)
+{
+    const bool is_new = m.transfer.is_new;
+    if (m.matches(o)) return m.chunks.write(o.corner, data + m.offset(o), false, is_new);
+    unsigned char* values = m.buffer.room(m.chunks.chunk_bytes());
+    const bool all = m.is_all_there_is(o);
+    if (!all && !is_new) {
+        if (!m.chunks.read(o.corner, values)) return false;
+    } else if (!m.is_whole(o)) {
+        m.chunks.fill(values);
+    }
+    const ElementForm form{m.transfer.type, m.transfer.data_size, m.chunks.element_size()};
+    for_each_run(o.counts(), m.in_array(o), m.in_chunk(o), [&](size_t from, size_t to, size_t length) {
+        copy_elements(form, data + from * form.from, values + to * form.to, length);
+    });
+    return m.chunks.write(o.corner, values, must_stay_exact(m.transfer, m.chunks, o.corner, all), is_new);
+}
+
+bool read_one(BoxMove& m, const Overlap& o, unsigned char* data)
+{
+    if (m.matches(o)) return m.chunks.read(o.corner, data + m.offset(o));
+    unsigned char* values = m.buffer.room(m.chunks.chunk_bytes());
+    if (!m.chunks.read(o.corner, values)) return false;
+    const ElementForm form{m.transfer.type, m.chunks.element_size(), m.transfer.data_size};
+    for_each_run(o.counts(), m.in_chunk(o), m.in_array(o), [&](size_t from, size_t to, size_t length) {
+        copy_elements(form, values + from * form.from, data + to * form.to, length);
+    });
+    return true;
+}
+
+}  // namespace
+
+bool write_box(const ChunkTransfer& transfer, ChunkedDataset& chunks, const void* data)
+{
+    BoxMove move(transfer, chunks);
+    const bool good = every_chunk(move.box, chunks.chunk(), [&](const Overlap& o) {
+        return write_one(move, o, static_cast<const unsigned char*>(data));
+    });
+    chunks.forget_last_chunk();
+    return good;
+}
+
+bool read_box(const ChunkTransfer& transfer, ChunkedDataset& chunks, void* data)
+{
+    BoxMove move(transfer, chunks);
+    return every_chunk(move.box, chunks.chunk(), [&](const Overlap& o) {
+        return read_one(move, o, static_cast<unsigned char*>(data));
+    });
+}
+
+bool takes_whole_chunks(const ChunkTransfer& transfer, const ChunkedDataset& chunks)
+{
+    return every_chunk(Box(transfer), chunks.chunk(),
+                       [&](const Overlap& o) { return o.count == chunks.inside(o.corner); });
+}
+
+}  // namespace vak

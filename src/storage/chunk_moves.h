@@ -1,0 +1,24 @@
+// The two ways in which a transfer meets the chunks of its dataset: as a box, or as a list of points.
+#pragma once
+
+#include "storage/chunked_dataset.h"
+#include "storage/direct_chunks.h"
+
+namespace vak {
+
+bool write_box(const ChunkTransfer& transfer, ChunkedDataset& chunks, const void* data);
+bool read_box(const ChunkTransfer& transfer, ChunkedDataset& chunks, void* data);
+
+// Whether the box takes everything that the dataset has in each chunk that it touches.
+bool takes_whole_chunks(const ChunkTransfer& transfer, const ChunkedDataset& chunks);
+
+bool write_points(const ChunkTransfer& transfer, ChunkedDataset& chunks, const void* data);
+bool read_points(const ChunkTransfer& transfer, ChunkedDataset& chunks, void* data);
+
+// Whether the values of a chunk must not be rounded now, so that none is rounded twice: more can be added to
+// it, or what is written is not `all` of it, and what stands beside that was rounded before or may be changed
+// again.
+bool must_stay_exact(const ChunkTransfer& transfer, const ChunkedDataset& chunks, const Extents& corner,
+                     bool all);
+
+}  // namespace vak

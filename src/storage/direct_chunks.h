@@ -1,0 +1,33 @@
+// Moving values between the caller's array and whole chunks of a dataset by our own hand.
+//
+// Filters cost most of the time where they are used, and HDF5's are slow; scale-offset moreover writes chunks
+// that it cannot read back. So the chunks of filtered datasets are packed and unpacked here. Scale-offset
+// rounds a value at most once: a chunk that is not yet complete, or is changed in part, is stored without it.
+#pragma once
+
+#include "storage/dataset_layout.h"
+
+namespace vak {
+
+struct ChunkTransfer {
+    hid_t dataset = H5I_INVALID_HID;
+    hid_t list = H5I_INVALID_HID;  // creation list; may be absent where there are no filters
+    int32_t type = 0;              // type code
+    size_t data_size = 0;
+    hid_t memory_type = H5I_INVALID_HID;
+    Part part{};
+    std::span<const hsize_t> extents{};  // of the dataset, as they are now
+    std::span<const hsize_t> maximum{};  // what they can become; for writing
+    bool is_new = false;                 // nothing was written to the dataset yet
+};
+
+enum class Direct {
+    done,
+    failed,
+    left,  // nothing was moved: HDF5 does it as well or better, or only HDF5 can do it
+};
+
+Direct write_chunks(const ChunkTransfer& transfer, const void* data);
+Direct read_chunks(const ChunkTransfer& transfer, void* data);
+
+}  // namespace vak
