@@ -122,7 +122,8 @@ int32_t give_up(const DatasetWrite& w, Target& target, int32_t number, int64_t e
         H5Ldelete(w.location.id, w.name, H5P_DEFAULT);
     } else if (w.extendible()) {
         if (!target.dataset.valid()) target.dataset = Dataset(H5Dopen2(w.location.id, w.name, H5P_DEFAULT));
-        H5Dset_extent(target.dataset.get(), target.before.data());
+        shrink_dataset(target.dataset.get(), {target.before.data(), w.dims.size()},
+                       {w.maximum.data(), w.dims.size()});
     }
     return fail(w, number, error, -3000 - number);
 }

@@ -30,4 +30,8 @@ enum class Direct {
 Direct write_chunks(const ChunkTransfer& transfer, const void* data);
 Direct read_chunks(const ChunkTransfer& transfer, void* data);
 
+// Takes back what a dataset grew by: these are its extents again. HDF5 would pack the chunks at the new end
+// anew, which scale-offset may not survive; so they are put back as they were. False on failure.
+bool shrink_dataset(hid_t dataset, std::span<const hsize_t> extents, std::span<const hsize_t> maximum);
+
 }  // namespace vak

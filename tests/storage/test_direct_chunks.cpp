@@ -61,8 +61,8 @@ protected:
         const PropertiesId list(H5Dget_create_plist(original), "creation list");
         const TypeId type(H5Dget_type(original), "type");
         const SpaceId space(H5Screate_simple(rank(extents), extents.data(), nullptr), "space");
-        const ObjectId twin(
-            H5Dcreate2(file, name.c_str(), type, space, H5P_DEFAULT, list, H5P_DEFAULT), name);
+        const ObjectId twin(H5Dcreate2(file, name.c_str(), type, space, H5P_DEFAULT, list, H5P_DEFAULT),
+                            name);
         ASSERT_GE(H5Dwrite(twin, native_type<T>(), H5S_ALL, H5S_ALL, H5P_DEFAULT, values.data()), 0);
     }
 
@@ -81,7 +81,8 @@ template <class T>
 std::vector<T> spread(size_t count, double factor = 0.25)
 {
     std::vector<T> values(count);
-    for (size_t i = 0; i < count; ++i) values[i] = static_cast<T>(static_cast<double>(i * 7919 % 2003) * factor - 40);
+    for (size_t i = 0; i < count; ++i)
+        values[i] = static_cast<T>(static_cast<double>(i * 7919 % 2003) * factor - 40);
     return values;
 }
 
@@ -91,12 +92,14 @@ struct Form {
 };
 
 const std::vector<Form> forms = {
-    {deflated, {1000}},          {shuffled | deflated, {50, 30}}, {scaled, {17, 3, 5}},
-    {scaled | deflated, {1000}}, {255, {9, 1, 70}},               {shuffled, {8}},
+    {deflated, {1000}},   {shuffled | deflated, {50, 30}},
+    {scaled, {17, 3, 5}}, {scaled | deflated, {1000}},
+    {255, {9, 1, 70}},    {shuffled, {8}},
 };
 
 template <class T>
-class WholeDatasets : public DirectChunks {};
+class WholeDatasets : public DirectChunks {
+};
 using Types = testing::Types<int32_t, int64_t, float, double>;
 TYPED_TEST_SUITE(WholeDatasets, Types);
 
@@ -208,7 +211,9 @@ protected:
                      .vak_size = sizeof(Stored)};
             EXPECT_EQ(write(values, a), done);
         }
-        const auto bits = [](const auto& v) { return std::string(reinterpret_cast<const char*>(v.data()), v.size() * sizeof(v[0])); };
+        const auto bits = [](const auto& v) {
+            return std::string(reinterpret_cast<const char*>(v.data()), v.size() * sizeof(v[0]));
+        };
         EXPECT_EQ(bits(plainly_read<Stored>(values.size(), "plain")),
                   bits(plainly_read<Stored>(values.size(), "filtered")));
         EXPECT_EQ(bits(read_again<To>({.name = "plain", .dims = {values.size()}}, values.size())),
@@ -259,7 +264,8 @@ TEST_F(DirectChunks, numbers_in_another_byte_order_are_left_to_hdf5)
         H5Pset_chunk(list, 1, &count);
         H5Pset_deflate(list, 6);
         const SpaceId space(H5Screate_simple(1, &count, nullptr), "space");
-        const ObjectId made(H5Dcreate2(file, "values", H5T_STD_I32BE, space, H5P_DEFAULT, list, H5P_DEFAULT), "values");
+        const ObjectId made(H5Dcreate2(file, "values", H5T_STD_I32BE, space, H5P_DEFAULT, list, H5P_DEFAULT),
+                            "values");
     }
     const auto values = spread<int32_t>(count);
     EXPECT_EQ(write(values, {.dims = {count}}), done);
@@ -276,7 +282,8 @@ TEST_F(DirectChunks, a_checksum_behind_the_filters_is_left_to_hdf5)
         H5Pset_deflate(list, 6);
         H5Pset_fletcher32(list);
         const SpaceId space(H5Screate_simple(1, &count, nullptr), "space");
-        const ObjectId made(H5Dcreate2(file, "values", H5T_STD_I32LE, space, H5P_DEFAULT, list, H5P_DEFAULT), "values");
+        const ObjectId made(H5Dcreate2(file, "values", H5T_STD_I32LE, space, H5P_DEFAULT, list, H5P_DEFAULT),
+                            "values");
     }
     const auto values = spread<int32_t>(count);
     EXPECT_EQ(write(values, {.dims = {count}}), done);
@@ -307,7 +314,8 @@ TEST_F(DirectChunks, a_part_of_such_a_chunk_can_be_rewritten)
     values[1] = std::numeric_limits<int32_t>::max();
     make_dataset<int32_t>(file, "values", {.deflate = 6}, 1000);
     ASSERT_TRUE(write_by_hdf5(file, "values", values));
-    EXPECT_EQ(write(numbers<int32_t>(3), {.dims = {1000}, .count = {3}, .start = {7}, .mode = hyperslab}), done);
+    EXPECT_EQ(write(numbers<int32_t>(3), {.dims = {1000}, .count = {3}, .start = {7}, .mode = hyperslab}),
+              done);
     for (size_t i = 0; i < 3; ++i) values[7 + i] = static_cast<int32_t>(i);
     EXPECT_EQ(plainly_read<int32_t>(1000), values);
 }
@@ -361,7 +369,8 @@ TEST_F(DirectChunks, what_hdf5_still_holds_in_its_cache_is_seen)
     EXPECT_EQ(read_again<double>(access, 1000), values);
     ASSERT_GE(H5Dwrite(held, H5T_NATIVE_DOUBLE, H5S_ALL, H5S_ALL, H5P_DEFAULT, values.data()), 0);
     values[5] = 77;
-    EXPECT_EQ(write(std::vector<double>{77}, {.dims = {1000}, .count = {1}, .start = {5}, .mode = hyperslab}), done);
+    EXPECT_EQ(write(std::vector<double>{77}, {.dims = {1000}, .count = {1}, .start = {5}, .mode = hyperslab}),
+              done);
     std::vector<double> found(1000);
     ASSERT_GE(H5Dread(held, H5T_NATIVE_DOUBLE, H5S_ALL, H5S_ALL, H5P_DEFAULT, found.data()), 0);
     EXPECT_EQ(found, values);
@@ -434,8 +443,9 @@ TEST_P(GrowingSeries, integers_grow_in_several_states_at_a_time)
     const auto values = spread<int32_t>(length * 12, 3);
     for (const hsize_t states : {hsize_t{1}, hsize_t{4}, hsize_t{2}, hsize_t{5}}) {
         const size_t begin = states == 1 ? 0 : states == 4 ? 1 : states == 2 ? 5 : 7;
-        const std::vector<int32_t> part(values.begin() + static_cast<std::ptrdiff_t>(begin * length),
-                                        values.begin() + static_cast<std::ptrdiff_t>((begin + states) * length));
+        const std::vector<int32_t> part(
+            values.begin() + static_cast<std::ptrdiff_t>(begin * length),
+            values.begin() + static_cast<std::ptrdiff_t>((begin + states) * length));
         EXPECT_EQ(write(part, {.dims = {H5S_UNLIMITED, GetParam().entities, 3},
                                .count = {states, GetParam().entities, 3},
                                .start = {0, 0, 0},
@@ -534,7 +544,8 @@ TEST_F(DirectChunks, a_scaled_dataset_that_begins_with_a_part_is_fill_values_els
 
 TEST_F(DirectChunks, points_of_a_scaled_dataset_reach_it_unharmed_and_the_last_of_two_counts)
 {
-    EXPECT_EQ(write(std::vector<float>(1000, 1.5F), {.dims = {10, 100}, .flags = scaled, .params = {2, 0}}), done);
+    EXPECT_EQ(write(std::vector<float>(1000, 1.5F), {.dims = {10, 100}, .flags = scaled, .params = {2, 0}}),
+              done);
     const std::vector<float> points{HUGE_VALF, 2.25F, 3.125F, 4.5F};
     const Dims places{9, 99, 0, 0, 5, 50, 0, 0};
     EXPECT_EQ(write(points, {.dims = {10, 100}, .count = {4}, .start = places, .mode = point_list}), done);
@@ -565,10 +576,8 @@ TEST_F(DirectChunks, points_in_many_chunks_find_their_places_in_any_order)
     a.params = {2, 0};
     EXPECT_EQ(write(spread<double>(9000), a), done);
     const auto stored = plainly_read<double>(9000);
-    const Access points{.dims = {3, 3000},
-                        .count = {4},
-                        .start = {2, 2500, 0, 0, 1, 1999, 1, 2000},
-                        .mode = point_list};
+    const Access points{
+        .dims = {3, 3000}, .count = {4}, .start = {2, 2500, 0, 0, 1, 1999, 1, 2000}, .mode = point_list};
     EXPECT_EQ(read_again<double>(points, 4),
               (std::vector<double>{stored[8500], stored[0], stored[4999], stored[5000]}));
 }

@@ -1,38 +1,6 @@
 // Errors that a healthy HDF5 never gives: one of its functions, named by the test, says no.
-#include <dlfcn.h>
-
+#include "refusal.h"
 #include "storage_test.h"
-
-namespace {
-
-std::string refused;
-
-bool refuses(const char* name) { return refused == name; }
-
-template <class Function>
-Function next(const char* name)
-{
-    return reinterpret_cast<Function>(dlsym(RTLD_NEXT, name));
-}
-
-}  // namespace
-
-// Stands before HDF5's function of that name.
-#define MAY_REFUSE(result, name, parameters, arguments)                 \
-    extern "C" result name parameters                                   \
-    {                                                                   \
-        if (refuses(#name)) return -1;                                  \
-        static const auto original = next<result(*) parameters>(#name); \
-        return original arguments;                                      \
-    }
-// The same for a function that closes: it does so, and then reports that something went wrong.
-#define MAY_FAIL_CLOSING(name)                                       \
-    extern "C" herr_t name(hid_t id)                                 \
-    {                                                                \
-        static const auto original = next<herr_t (*)(hid_t)>(#name); \
-        const herr_t status = original(id);                          \
-        return refuses(#name) ? -1 : status;                         \
-    }
 
 // clang-format off
 MAY_REFUSE(hid_t, H5Pcreate, (hid_t c), (c))
