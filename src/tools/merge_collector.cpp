@@ -90,8 +90,57 @@ Merged flattened(const Collectors& all)
     return m;
 }
 
+// The fields that the lowest file's block rules: its name and its state.
+struct Header {
+    std::string etypcoll;
+    int32_t nindex = 0, indexic = 0;
+    size_t real_size = sizeof(float);
+    std::vector<char> indexident, indexval;
+};
+
+int32_t read_header(SourceBlock& lowest, Header& h)
+{
+    constexpr Column indexident{"indexident", integer_type, Role::index};
+    constexpr Column indexval{"indexval", real_type, Role::index};
+    h.etypcoll = lowest.text_attribute("etypcoll");
+    h.etypcoll.resize(256);
+    h.nindex = lowest.nindex;
+    h.indexic = lowest.integer_attribute("indexic").value_or(0);
+    if (lowest.stored(indexval).element > sizeof(float)) h.real_size = sizeof(double);
+    const int32_t status = lowest.read(indexident, sizeof(int32_t), {extent(h.nindex)}, h.indexident);
+    return status != 0 ? status : lowest.read(indexval, h.real_size, {extent(h.nindex)}, h.indexval);
+}
+
+void write_index(Block& io, const Header& h)
+{
+    enter(io, "index");
+    integers(io, "indexident", reinterpret_cast<const int32_t*>(h.indexident.data()), {h.nindex});
+    real_part(io, {"indexval", const_cast<char*>(h.indexval.data()), h.real_size}, {h.nindex}, whole());
+}
+
+void write_fields(Block& io, const Header& h, const Merged& m)
+{
+    const auto ncoll = static_cast<int32_t>(m.idcoll.size()),
+               ntyp = static_cast<int32_t>(m.etyp.size() / 256);
+    const auto nenttot = static_cast<int32_t>(m.entid.size());
+    enter(io, "header");
+    identify(io);
+    text(io, "etypcoll", h.etypcoll.data());
+    integer(io, "ncoll", &ncoll);
+    integer(io, "ntyp", &ntyp);
+    integer(io, "nenttot", &nenttot);
+    integer(io, "nindex", &h.nindex);
+    if (current(io)) integer(io, "indexic", &h.indexic);
+    write_index(io, h);
+    enter(io, "data");
+    integers(io, "idcoll", m.idcoll.data(), {ncoll});
+    texts(io, "etyp", m.etyp.data(), 256, {ntyp});
+    integers(io, "nent", m.nent.data(), {ncoll, ntyp});
+    integers(io, "entid", m.entid.data(), {nenttot});
+}
+
 int32_t write_collector(const Merge& merge, const BlockKind& kind, const std::string& path,
-                        SourceBlock& lowest, Merged& m)
+                        StorageOptions storage, const Header& h, const Merged& m)
 {
     if (!fits_count(static_cast<int64_t>(m.entid.size()))) return refuse_total(kind);
     OpenedGroup opened = open_or_create_group(merge.target, path);
@@ -99,37 +148,22 @@ int32_t write_collector(const Merge& merge, const BlockKind& kind, const std::st
     Block io(kind, merge.family, Direction::write, opened.group.get());
     io.is_new = opened.status > 0;
     io.key = kind.key;
-    io.storage = merged_storage(merge, kind.type, lowest.filters(), "");
-    auto ncoll = static_cast<int32_t>(m.idcoll.size()), ntyp = static_cast<int32_t>(m.etyp.size() / 256);
-    auto nenttot = static_cast<int32_t>(m.entid.size());
-    int32_t indexic = lowest.integer_attribute("indexic").value_or(0);
-    std::string type = lowest.text_attribute("etypcoll");
-    type.resize(256);
-    std::vector<char> ident, values;
-    constexpr Column indexident{"indexident", integer_type, Role::index},
-        indexval{"indexval", real_type, Role::index};
-    int32_t status = lowest.read(indexident, 4, {extent(lowest.nindex)}, ident);
-    if (status == 0) status = lowest.read(indexval, 4, {extent(lowest.nindex)}, values);
-    if (status != 0) return read_failed(kind.type, 2, status);
-    const Index index{.nindex = &lowest.nindex,
-                      .indexic = merge.family == Family::current ? &indexic : nullptr,
-                      .indexident = reinterpret_cast<int32_t*>(ident.data()),
-                      .indexval = reinterpret_cast<float*>(values.data())};
+    io.storage = storage;
+    io.storage.real_size = std::max(storage.real_size, h.real_size);
     refuse_existing(io);
-    enter(io, "header");
-    identify(io);
-    text(io, "etypcoll", type.data());
-    integer(io, "ncoll", &ncoll);
-    integer(io, "ntyp", &ntyp);
-    integer(io, "nenttot", &nenttot);
-    index_counts(io, index);
-    index_values(io, index);
-    enter(io, "data");
-    integers(io, "idcoll", m.idcoll.data(), {ncoll});
-    texts(io, "etyp", m.etyp.data(), 256, {ntyp});
-    integers(io, "nent", m.nent.data(), {ncoll, ntyp});
-    integers(io, "entid", m.entid.data(), {nenttot});
+    write_fields(io, h, m);
     return end_writing(io, std::move(opened.group));
+}
+
+int32_t read_source(const Merge& merge, SourceBlock& s, Collectors& all)
+{
+    const char* const type = "collector";
+    if (const int32_t status = s.read_counts(); status != 0) return read_failed(type, 1, status);
+    if (s.nindex > max_index) return refuse_index(merge, s.nindex);
+    Lists lists;
+    int32_t status = read_lists(s, lists);
+    if (status == 0 && !add_lists(lists, all)) status = -6999;
+    return status == 0 ? 0 : read_failed(type, 2, status);
 }
 
 }  // namespace
@@ -137,19 +171,18 @@ int32_t write_collector(const Merge& merge, const BlockKind& kind, const std::st
 int32_t merge_collector(const Merge& merge, const MergedKind& kind, const TargetBlock& target)
 {
     Collectors all;
-    std::vector<SourceBlock> sources;
     for (const DomainBlock& source : target.sources) {
-        SourceBlock& s = sources.emplace_back(merge, kind, source);
-        if (const int32_t status = s.read_counts(); status != 0)
-            return read_failed(kind.kind.type, 1, status);
-        if (s.nindex > max_index) return refuse_index(merge, s.nindex);
-        Lists lists;
-        int32_t status = read_lists(s, lists);
-        if (status == 0 && !add_lists(lists, all)) status = -6999;
-        if (status != 0) return read_failed(kind.kind.type, 2, status);
+        SourceBlock s(merge, kind, source);
+        if (const int32_t status = read_source(merge, s, all); status != 0) return status;
     }
-    Merged m = flattened(all);
-    const int32_t status = write_collector(merge, kind.kind, target.path, sources.front(), m);
+    SourceBlock lowest(merge, kind, target.sources.front());
+    Header header;
+    lowest.read_counts();  // went well before
+    if (const int32_t status = read_header(lowest, header); status != 0)
+        return read_failed(kind.kind.type, 2, status);
+    const StorageOptions storage = merged_storage(merge, kind.kind.type, lowest.filters(), "");
+    const Merged merged = flattened(all);
+    const int32_t status = write_collector(merge, kind.kind, target.path, storage, header, merged);
     return status == 0 ? 0 : write_failed(kind.kind.type, status);
 }
 
