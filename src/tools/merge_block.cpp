@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <string_view>
 
+#include "blocks/fields.h"
 #include "tools/merge_join.h"
 
 namespace vak {
@@ -56,6 +57,10 @@ int32_t find_order(Join& join)
         const auto* const first = reinterpret_cast<const int32_t*>(values.data());
         ids.emplace_back(first, first + values.size() / sizeof(int32_t));
     }
+    size_t rows = 0;
+    for (const Ids& of_source : ids) rows += of_source.size();
+    if (!fits_count(static_cast<int64_t>(rows)))
+        return write_failed(join.type(), refuse_total(join.kind.kind));
     join.order = join.merge.orders.find(std::move(ids));
     for (size_t i = 0; i < join.sources.size(); ++i)
         if (join.order->repeats[i]) warn_of_repeats(join.sources[i].source);
@@ -64,11 +69,24 @@ int32_t find_order(Join& join)
 
 // ---- what the merged columns are
 
-size_t memory_size(const Column& c, size_t stored)
+// The size of one value in memory. A text that is longer than the block says is left to the reader to refuse.
+size_t memory_size(const SourceBlock& source, const Column& c, size_t stored)
 {
     if (c.type == integer_type) return sizeof(int32_t);
-    if (c.type == text_type) return stored;
+    if (c.type == text_type) {
+        const int32_t length = source.integer_attribute("length").value_or(0);
+        return length > 0 ? std::min(stored, static_cast<size_t>(length)) : stored;
+    }
     return stored > sizeof(float) ? sizeof(double) : sizeof(float);
+}
+
+// The lowest file's; one that has nothing stored tells nothing.
+FoundStorage found_filters(Join& join)
+{
+    FoundStorage found;
+    for (SourceBlock& source : join.sources)
+        if (found = source.filters(); found.flags != 0) break;
+    return found;
 }
 
 void widen(MergedColumn& merged, const MergedColumn& other, bool rows)
@@ -78,41 +96,64 @@ void widen(MergedColumn& merged, const MergedColumn& other, bool rows)
     for (size_t i = 0; i < merged.row.size(); ++i) merged.row[i] = std::max(merged.row[i], other.row[i]);
 }
 
-// Where the sources agree, the first tells all but the precision of the values.
-bool is_asked_of_all(const Join& join, const Column& c) { return join.kind.widens || c.role == Role::values; }
-
-std::optional<MergedColumn> merged_column(const Join& join, const Column& c)
+// The extents of one row by the block's own counts.
+Extents row_of(const Join& join, const SourceBlock& source, const Column& c, const Stored& s)
 {
-    const size_t leading = (has_states(join, c) ? 1U : 0U) + (has_rows(c) ? 1U : 0U);
-    std::optional<MergedColumn> merged;
-    for (const SourceBlock& source : join.sources) {
-        if (&source != &join.ruling() && !is_asked_of_all(join, c)) break;
-        const Stored s = source.stored(c);
-        if (!s.is_there) continue;
-        const auto axes = static_cast<std::ptrdiff_t>(std::min(s.dims.size(), leading));
-        MergedColumn found{&c, memory_size(c, s.element), {s.dims.begin() + axes, s.dims.end()}};
-        if (merged)
-            widen(*merged, found, join.kind.widens);
-        else
-            merged = std::move(found);
+    if (c.as_stored) {
+        const auto rows = s.dims.begin() + (has_rows(c) && !s.dims.empty() ? 1 : 0);
+        return {rows, s.dims.end()};
     }
-    return merged;
+    Extents row;
+    for (const char* const name : c.row)
+        if (name != nullptr)
+            row.push_back(static_cast<hsize_t>(std::max(source.integer_attribute(name).value_or(0), 0)));
+    if (c.role == Role::values && source.source.key == join.kind.kind.complex_key) row.push_back(2);
+    return row;
 }
 
-void find_columns(Join& join)
+// Nothing is sized by a count that the array does not bear out. Index rows may go on behind the last state.
+int32_t check_extents(const Join& join, SourceBlock& source, const MergedColumn& c, const Stored& s)
+{
+    const Extents counted = source_extents(join, source, c, c.row);
+    if (s.dims == counted || (has_states(join, *c.column) && c.column->role == Role::index)) return 0;
+    std::vector<char> values;
+    const bool is_empty = std::ranges::find(counted, hsize_t{0}) != counted.end();
+    return is_empty ? 0 : read_failed(join.type(), 2, source.check(*c.column, c.element, counted));
+}
+
+// What the column of one source adds to the merged one.
+int32_t add_source(const Join& join, SourceBlock& source, const Column& c,
+                   std::optional<MergedColumn>& merged)
+{
+    const Stored s = source.stored(c);
+    if (!s.is_there) return 0;
+    MergedColumn found{&c, memory_size(source, c, s.element), row_of(join, source, c, s)};
+    const int32_t status = check_extents(join, source, found, s);
+    if (merged)
+        widen(*merged, found, join.kind.widens);
+    else
+        merged = std::move(found);
+    return status;
+}
+
+int32_t find_columns(Join& join)
 {
     size_t widest = 0;
     for (const Column& c : join.kind.columns) {
-        if (c.role == Role::ids) {
-            join.columns.push_back({&c, sizeof(int32_t), {}});
-        } else if (auto merged = merged_column(join, c)) {
-            if (c.type == real_type) widest = std::max(widest, merged->element);
-            join.columns.push_back(std::move(*merged));
+        std::optional<MergedColumn> merged;
+        if (c.role == Role::ids) merged = MergedColumn{&c, sizeof(int32_t), {}};
+        for (SourceBlock& source : join.sources) {
+            if (c.role == Role::ids || (!has_rows(c) && &source != &join.ruling())) break;
+            if (const int32_t status = add_source(join, source, c, merged); status != 0) return status;
         }
+        if (!merged) continue;
+        if (c.type == real_type) widest = std::max(widest, merged->element);
+        join.columns.push_back(std::move(*merged));
     }
     const std::string variable = join.ruling().text_attribute("etypvar");
-    join.storage = merged_storage(join.merge, join.type(), join.ruling().filters(), variable.c_str());
+    join.storage = merged_storage(join.merge, join.type(), found_filters(join), variable.c_str());
     join.storage.real_size = std::max(join.storage.real_size, widest);
+    return 0;
 }
 
 // ---- the attributes: the lowest file's in their order, with the counts of the merged block
@@ -243,8 +284,8 @@ int32_t join_blocks(Merge& merge, const MergedKind& kind, const TargetBlock& tar
     int32_t status = open_sources(join);
     if (status == 0) status = find_order(join);
     if (status != 0) return status;
-    find_columns(join);
-    status = write(join);
+    status = find_columns(join);
+    if (status == 0) status = write(join);
     if (status == 0) note_elements(join);
     return status;
 }

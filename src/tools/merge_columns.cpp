@@ -73,11 +73,14 @@ void write_common(Join& join, Block& io, const MergedColumn& c)
 {
     const Extents extents = source_extents(join, join.ruling(), c, c.row);
     std::vector<char> values;
+    if (has_states(join, *c.column)) {
+        if (read_failed(join,
+                        join.ruling().read_states(*c.column, c.element, extents, 0, extents[0], values)))
+            return;
+        return put_states(io, c, values.data(), extents);
+    }
     if (read_failed(join, join.ruling().read(*c.column, c.element, extents, values))) return;
-    if (has_states(join, *c.column))
-        put_states(io, c, values.data(), extents);
-    else
-        put(io, c, values.data(), extents);
+    put(io, c, values.data(), extents);
 }
 
 // The rows of a source may be narrower than the merged ones, or missing.
@@ -87,7 +90,7 @@ bool add_rows(Join& join, const MergedColumn& c, size_t i, std::vector<char>& me
     if (join.kind.widens) {
         const Stored s = join.sources[i].stored(*c.column);
         if (!s.is_there) return true;
-        if (s.dims.size() == c.row.size() + 1) own.row.assign(s.dims.begin() + 1, s.dims.end());
+        own.row.assign(s.dims.begin() + 1, s.dims.end());  // as many as its counts, which were checked
     }
     std::vector<char> values;
     const Extents extents = source_extents(join, join.sources[i], c, own.row);

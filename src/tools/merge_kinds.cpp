@@ -6,68 +6,84 @@ namespace {
 
 using Names = const char* const;
 
-constexpr Column connectivity_columns[] = {
-    {"indexident", integer_type, Role::index}, {"indexval", real_type, Role::index},
-    {"idele", integer_type, Role::ids},        {"pid", integer_type, Role::row},
-    {"ic", integer_type, Role::row},           {"mbunit", integer_type, Role::common},
-    {"mdunit", integer_type, Role::common},    {"ubid", integer_type, Role::common},
-    {"ubexp", real_type, Role::common},        {"udid", integer_type, Role::common},
-    {"udexp", real_type, Role::common},        {"iparam", integer_type, Role::row},
-    {"fparam", real_type, Role::row}};
+constexpr Column indexident{"indexident", integer_type, Role::index, {"nindex"}};
+constexpr Column indexval{"indexval", real_type, Role::index, {"nindex"}};
+constexpr Column entid{"entid", integer_type, Role::ids};
+
+constexpr Column integer_row(const char* name, const char* width = nullptr)
+{
+    return {name, integer_type, Role::row, {width}};
+}
+
+// Legacy.
+constexpr Column unit(const char* name, int32_t type, const char* n = nullptr)
+{
+    return {.name = name, .type = type, .role = Role::common, .row = {n}, .as_stored = n == nullptr};
+}
+
+constexpr Column connectivity_columns[] = {indexident,
+                                           indexval,
+                                           {"idele", integer_type, Role::ids},
+                                           integer_row("pid"),
+                                           integer_row("ic", "npele"),
+                                           unit("mbunit", integer_type, "nbfloat"),
+                                           unit("mdunit", integer_type, "nbfloat"),
+                                           unit("ubid", integer_type),
+                                           unit("ubexp", real_type),
+                                           unit("udid", integer_type),
+                                           unit("udexp", real_type),
+                                           integer_row("iparam", "nbint"),
+                                           {"fparam", real_type, Role::row, {"nbfloat"}}};
 constexpr Names connectivities_agree[] = {"npele", "ndim", "nbint", "nbfloat"};
 
-constexpr Column activation_columns[] = {{"indexident", integer_type, Role::index},
-                                         {"indexval", real_type, Role::index},
-                                         {"entid", integer_type, Role::ids},
-                                         {"status", integer_type, Role::flag}};
-constexpr Column activation_series_columns[] = {{"entid", integer_type, Role::ids},
-                                                {"indexident", integer_type, Role::index},
-                                                {"indexval", real_type, Role::index},
-                                                {"status", integer_type, Role::flag}};
+constexpr Column flags{"status", integer_type, Role::flag};
+constexpr Column activation_columns[] = {indexident, indexval, entid, flags};
+constexpr Column activation_series_columns[] = {entid, indexident, indexval, flags};
 
+constexpr Column title{"title", text_type, Role::row};
 constexpr Column parts_columns[] = {
-    {"indexident", integer_type, Role::index}, {"indexval", real_type, Role::index},
-    {"pid", integer_type, Role::ids},          {"title", text_type, Role::row},
-    {"mid", integer_type, Role::row},          {"mtyp", integer_type, Role::row},
-    {"pcol", integer_type, Role::row}};
+    indexident,          indexval,           {"pid", integer_type, Role::ids}, title, integer_row("mid"),
+    integer_row("mtyp"), integer_row("pcol")};
+constexpr Column attribute_columns[] = {indexident, indexval, entid, title, integer_row("uid", "nuid")};
 
-constexpr Column attribute_columns[] = {{"indexident", integer_type, Role::index},
-                                        {"indexval", real_type, Role::index},
-                                        {"entid", integer_type, Role::ids},
-                                        {"title", text_type, Role::row},
-                                        {"uid", integer_type, Role::row}};
+// Their filters are found by these; the sets themselves are joined by other means.
+constexpr Column collector_columns[] = {indexident,
+                                        indexval,
+                                        integer_row("idcoll"),
+                                        {"etyp", text_type, Role::common, {"ntyp"}},
+                                        integer_row("nent", "ntyp"),
+                                        integer_row("entid")};
 
-constexpr Column property_columns[] = {
-    {"indexident", integer_type, Role::index}, {"indexval", real_type, Role::index},
-    {"entid", integer_type, Role::ids},        {"idparam", integer_type, Role::row},
-    {"iparam", integer_type, Role::row},       {"fparam", real_type, Role::row},
-    {"cparam", text_type, Role::row}};
+constexpr Column property_columns[] = {indexident,
+                                       indexval,
+                                       entid,
+                                       integer_row("idparam", "nbid"),
+                                       integer_row("iparam", "nbint"),
+                                       {"fparam", real_type, Role::row, {"nbfloat"}},
+                                       {"cparam", text_type, Role::row, {"nbstring"}}};
 constexpr Names properties_agree[] = {"nbid", "nbint", "nbfloat", "nbstring", "length"};
 
-constexpr Column element_columns[] = {
-    {"indexident", integer_type, Role::index}, {"indexval", real_type, Role::index},
-    {"idele", integer_type, Role::ids},        {"fidglob", integer_type, Role::common},
-    {"fid", integer_type, Role::row},          {"operator", text_type, Role::common},
-    {"weight", real_type, Role::weight},       {"eloc", real_type, Role::common},
-    {"res", real_type, Role::values, true}};
-constexpr Column element_series_columns[] = {
-    {"idele", integer_type, Role::ids},        {"fidglob", integer_type, Role::common},
-    {"fid", integer_type, Role::row},          {"operator", text_type, Role::common},
-    {"weight", real_type, Role::weight},       {"eloc", real_type, Role::common},
-    {"indexident", integer_type, Role::index}, {"indexval", real_type, Role::index},
-    {"res", real_type, Role::values, true}};
+constexpr Column fidglob{"fidglob", integer_type, Role::common};
+// One frame for each entity, or for each of an element's locations.
+constexpr Column fid{.name = "fid", .type = integer_type, .role = Role::row, .as_stored = true};
+constexpr Column operators{"operator", text_type, Role::common, {"ncoo"}};
+constexpr Column weight{"weight", real_type, Role::weight};
+
+constexpr Column idele{"idele", integer_type, Role::ids};
+constexpr Column eloc{"eloc", real_type, Role::common, {"numl", "ndim"}};
+constexpr Column element_values{
+    .name = "res", .type = real_type, .role = Role::values, .row = {"numl", "ncoo"}, .is_lossy = true};
+constexpr Column element_columns[] = {indexident, indexval, idele, fidglob,       fid,
+                                      operators,  weight,   eloc,  element_values};
+constexpr Column element_series_columns[] = {idele, fidglob,    fid,      operators,     weight,
+                                             eloc,  indexident, indexval, element_values};
 constexpr Names elements_agree[] = {"block", "ncoo", "numl", "ndim", "fswitch", "dmpswitch"};
 
 constexpr Column entity_columns[] = {
-    {"indexident", integer_type, Role::index}, {"indexval", real_type, Role::index},
-    {"entid", integer_type, Role::ids},        {"fidglob", integer_type, Role::common},
-    {"fid", integer_type, Role::row},          {"operator", text_type, Role::common},
-    {"weight", real_type, Role::weight},       {"res", real_type, Role::values}};
+    indexident, indexval, entid, fidglob, fid, operators, weight, {"res", real_type, Role::values, {"ncoo"}}};
 constexpr Column entity_series_columns[] = {
-    {"entid", integer_type, Role::ids},   {"fidglob", integer_type, Role::common},
-    {"fid", integer_type, Role::row},     {"operator", text_type, Role::common},
-    {"weight", real_type, Role::weight},  {"indexident", integer_type, Role::index},
-    {"indexval", real_type, Role::index}, {"res", real_type, Role::values, true}};
+    entid,  fidglob,    fid,      operators,
+    weight, indexident, indexval, {"res", real_type, Role::values, {"ncoo"}, true}};
 constexpr Names entities_agree[] = {"block", "ncoo", "fswitch", "dmpswitch"};
 
 constexpr MergedKind kinds[] = {
@@ -89,7 +105,10 @@ constexpr MergedKind kinds[] = {
      .count = "nent",
      .columns = attribute_columns,
      .widens = true},
-    {.kind = {.key = 400, .type = "collector"}, .way = Way::collect, .count = "ncoll"},
+    {.kind = {.key = 400, .type = "collector"},
+     .way = Way::collect,
+     .count = "ncoll",
+     .columns = collector_columns},
     {.kind = {.key = 1100, .type = "elementresults", .complex_key = 1101},
      .count = "nele",
      .agreeing = elements_agree,

@@ -2,6 +2,7 @@
 // of an entity that several domains have become one.
 #pragma once
 
+#include <array>
 #include <span>
 
 #include "blocks/block.h"
@@ -22,7 +23,9 @@ struct Column {
     const char* name;
     int32_t type;
     Role role;
-    bool is_lossy = false;  // its writer keeps the scale-offset bit
+    std::array<const char*, 2> row{};  // the attributes that give the extents of one row
+    bool is_lossy = false;             // its writer keeps the scale-offset bit
+    bool as_stored = false;            // the extents of its rows follow from other arrays
 };
 
 enum class Way {

@@ -41,7 +41,7 @@ void report_count(const Merge& merge, const SharedKind& kind, size_t count)
 {
     const bool told = merge.level > 0;
     if (kind.is_single) {
-        if (count == 0 && told) std::printf(" block not found\n");
+        if (count == 0 && told) std::printf(" block not found");
         if (count > 1)
             std::fprintf(stderr, "\nVAK WARNING file [%d]: multiple \"%s\" blocks\n", 0, kind.type);
         return;

@@ -118,6 +118,12 @@ int32_t SourceBlock::read_part(const Column& c, size_t element, std::vector<hsiz
     return read_into(values.data());
 }
 
+int32_t SourceBlock::check(const Column& c, size_t element, const std::vector<hsize_t>& dims)
+{
+    return VAK_H5Dread(c.name, nullptr, c.type, element, dims.data(), static_cast<int32_t>(dims.size()),
+                       nullptr, nullptr, whole_dataset, group_of(c), &found_.flags, found_.params.data());
+}
+
 int32_t SourceBlock::read(const Column& c, size_t element, const std::vector<hsize_t>& dims,
                           std::vector<char>& values)
 {
@@ -139,8 +145,7 @@ FoundStorage SourceBlock::filters()
         const Stored s = stored(c);
         if (!s.is_there || s.dims.empty()) continue;
         const size_t element = c.type == real_type ? sizeof(float) : s.element;
-        VAK_H5Dread(c.name, nullptr, c.type, element, s.dims.data(), static_cast<int32_t>(s.dims.size()),
-                    nullptr, nullptr, whole_dataset, group_of(c), &found_.flags, found_.params.data());
+        check(c, element, s.dims);
     }
     return found_;
 }

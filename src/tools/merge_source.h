@@ -34,6 +34,9 @@ public:
     int32_t read_states(const Column&, size_t element, const std::vector<hsize_t>& dims, hsize_t first,
                         hsize_t n, std::vector<char>& values);
 
+    // 0 when the column can be read with these extents; nothing is read.
+    int32_t check(const Column&, size_t element, const std::vector<hsize_t>& dims);
+
     // The filters of all columns, found without reading values.
     FoundStorage filters();
 

@@ -30,7 +30,8 @@ protected:
     {
         for (const hid_t domain : domains_) H5Fclose(domain);
         domains_.clear();
-        if (H5Lexists(file, "singlestate", H5P_DEFAULT) > 0) H5Ldelete(file, "singlestate", H5P_DEFAULT);
+        for (const char* group : {"constant", "singlestate", "multistate", "properties", "vakheader"})
+            if (H5Lexists(file, group, H5P_DEFAULT) > 0) H5Ldelete(file, group, H5P_DEFAULT);
     }
 
     int32_t merge(int32_t options = 4)
