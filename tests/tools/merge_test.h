@@ -1,6 +1,7 @@
 // The fixture of the merger's tests: domain files and a target, all made and opened by plain HDF5.
 #pragma once
 
+#include <regex>
 #include <string>
 #include <vector>
 
@@ -15,6 +16,9 @@ protected:
     explicit MergeTest(Family family) : family_(family) {}
 
     Family family() const { return family_; }
+    bool legacy() const { return family_ == Family::legacy; }
+    std::string data() const { return legacy() ? "/data/" : "/"; }  // behind a block's path
+    std::string header() const { return legacy() ? "/header" : ""; }
 
     // A new domain file, open for writing until the end of the test.
     hid_t add_domain()
@@ -24,6 +28,13 @@ protected:
     }
 
     hid_t target() const { return file; }
+
+    void put_header(hid_t domain) const
+    {
+        int32_t ierr = untouched;
+        (legacy() ? VAK1_WRITE_FILEHEADER : VAK_WRITE_FILEHEADER)(&domain, nullptr, nullptr, &ierr);
+        EXPECT_EQ(ierr, 0);
+    }
 
     // Forgets what has been merged.
     void restart()
@@ -50,6 +61,13 @@ protected:
         return ierr;
     }
     const Output& printed() const { return printed_; }
+
+    // What was printed on standard output, without the time at which the library was built.
+    std::string told() const
+    {
+        static const std::regex time("(Compiled    : )\\w{3} [ \\d]\\d \\d{4} [:\\d]{8}");
+        return std::regex_replace(printed_.out, time, "$1DATE TIME");
+    }
 
     void TearDown() override
     {

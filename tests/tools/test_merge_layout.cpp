@@ -134,7 +134,6 @@ protected:
             if (S::key != Collector::key) std::ranges::sort(sample.entid);
         return sample;
     }
-    bool legacy() const { return family() == Family::legacy; }
 };
 
 TEST_P(MergeLayout, of_shared_blocks_is_copied)
