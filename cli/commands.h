@@ -9,5 +9,6 @@ namespace vak::cli {
 void add_list(CLI::App& app);
 void add_show(CLI::App& app);
 void add_import(CLI::App& app);
+void add_export(CLI::App& app);
 
 }  // namespace vak::cli

@@ -5,6 +5,7 @@
 
 #include "commands.h"
 #include "listing.h"
+#include "selection.h"
 
 namespace vak::cli {
 
@@ -19,8 +20,7 @@ struct Options {
 void run(const Options& options)
 {
     const store::File file = store::File::open(options.file);
-    const auto layout = options.legacy ? std::optional(store::Layout::legacy) : std::nullopt;
-    const store::Catalogue catalogue = store::catalogue(file, layout);
+    const store::Catalogue catalogue = store::catalogue(file, asked_layout(options.legacy));
     auto json = nlohmann::ordered_json::array();
     for (const store::BlockEntry& block : catalogue.blocks) {
         if (options.json)

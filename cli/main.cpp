@@ -33,6 +33,7 @@ int run(int argc, char** argv)
     vak::cli::add_list(app);
     vak::cli::add_show(app);
     vak::cli::add_import(app);
+    vak::cli::add_export(app);
     try {
         app.parse(argc, argv);
         if (std::fflush(stdout) != 0)

@@ -1,6 +1,4 @@
 // vak show: what blocks hold.
-#include <fnmatch.h>
-
 #include <cstdio>
 #include <memory>
 #include <string>
@@ -8,6 +6,7 @@
 #include "commands.h"
 #include "listing.h"
 #include "problem.h"
+#include "selection.h"
 #include "show/print.h"
 #include "show/view.h"
 
@@ -23,18 +22,10 @@ struct Options {
     bool legacy = false;
 };
 
-// A pattern with *, ? or [ is to match the whole path, any other a part of it.
-bool matches(const std::string& path, const std::string& pattern)
-{
-    if (pattern.find_first_of("*?[") == std::string::npos) return path.find(pattern) != std::string::npos;
-    return fnmatch(pattern.c_str(), path.c_str(), 0) == 0;
-}
-
 void run(const Options& options)
 {
     const store::File file = store::File::open(options.file);
-    const auto layout = options.legacy ? std::optional(store::Layout::legacy) : std::nullopt;
-    const store::Catalogue catalogue = store::catalogue(file, layout);
+    const store::Catalogue catalogue = store::catalogue(file, asked_layout(options.legacy));
     // Without a pattern the file is looked through: its arrays are not read.
     const show::Request request{.layout = catalogue.layout,
                                 .values = options.all || !options.pattern.empty(),

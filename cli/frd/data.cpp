@@ -4,8 +4,13 @@
 
 #include "frd/fields.h"
 #include "frd/reader.h"
+#include "text/numbers.h"
 
 namespace vak::frd {
+
+using text::columns;
+using text::integer;
+using text::trimmed;
 
 int32_t nodes_per_element(int32_t type)
 {

@@ -1,4 +1,4 @@
-// Numbers and texts in the fixed columns of a result file.
+// Lines of numbers in the fixed columns of a result file.
 #pragma once
 
 #include <cstdint>
@@ -7,15 +7,6 @@
 #include <vector>
 
 namespace vak::frd {
-
-// The given columns, counted from 0; columns behind the end of the line are missing from the result.
-std::string_view columns(std::string_view line, size_t first, size_t count);
-
-std::string_view trimmed(std::string_view text);
-
-// A number with blanks around it and nothing else.
-std::optional<int64_t> integer(std::string_view field);
-std::optional<float> real(std::string_view field);
 
 // A data line behind its key: an identifier of `width` columns, then values of 12 columns. Identifiers and
 // exponents that outgrow their columns are understood. Appends the values; false when it is no such line.

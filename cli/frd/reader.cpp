@@ -4,9 +4,14 @@
 #include <algorithm>
 #include <limits>
 
-#include "frd/fields.h"
+#include "text/numbers.h"
 
 namespace vak::frd {
+
+using text::columns;
+using text::integer;
+using text::real;
+using text::trimmed;
 
 Reader::Reader(const std::string& path) : lines_(path)
 {

@@ -5,8 +5,8 @@
 #include <optional>
 #include <string>
 
-#include "frd/lines.h"
 #include "frd/records.h"
+#include "text/lines.h"
 
 namespace vak::frd {
 
@@ -63,7 +63,7 @@ private:
     template <class T>
     T binary_value();
 
-    Lines lines_;
+    text::Lines lines_;
     Description description_;
     std::vector<std::string> parameters_;
     ResultHead result_;

@@ -5,7 +5,7 @@
 #include <cstdio>
 #include <string_view>
 
-#include "frd/fields.h"
+#include "text/numbers.h"
 
 namespace vak::import {
 
@@ -21,7 +21,7 @@ std::string value_of(const frd::Description& description, std::string_view keywo
     for (const std::string& line : description.user_lines) {
         const std::string_view text = line;
         if (text.starts_with(keyword) && (text.size() == keyword.size() || text[keyword.size()] == ' '))
-            return std::string(frd::trimmed(text.substr(keyword.size())));
+            return std::string(text::trimmed(text.substr(keyword.size())));
     }
     return {};
 }
@@ -34,7 +34,7 @@ std::string heading(const frd::Description& description)
             return line.starts_with(keyword) &&
                    (line.size() == keyword.size() || line[keyword.size()] == ' ');
         });
-        if (!has_keyword && !frd::trimmed(line).empty()) return std::string(frd::trimmed(line));
+        if (!has_keyword && !text::trimmed(line).empty()) return std::string(text::trimmed(line));
     }
     return {};
 }
@@ -86,7 +86,7 @@ RunDescription describe(const frd::Description& description, const std::string& 
     if (run.title.empty()) run.title = heading(description);
     if (run.title.empty()) run.title = model;
     if (run.version.starts_with("Version "))
-        run.version = frd::trimmed(std::string_view(run.version).substr(8));
+        run.version = text::trimmed(std::string_view(run.version).substr(8));
     return run;
 }
 

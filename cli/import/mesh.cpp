@@ -5,8 +5,8 @@
 #include <algorithm>
 #include <set>
 
-#include "frd/fields.h"
 #include "import/conventions.h"
+#include "text/numbers.h"
 
 namespace vak::import {
 
@@ -21,8 +21,8 @@ constexpr Int without_type_and_colour{2 + 4};
 std::string material_name(const frd::Description& description, int32_t material)
 {
     for (const std::string& line : description.user_lines)
-        if (line.starts_with("MAT") && frd::integer(frd::columns(line, 3, 5)) == material)
-            return std::string(frd::trimmed(frd::columns(line, 8, line.size())));
+        if (line.starts_with("MAT") && text::integer(text::columns(line, 3, 5)) == material)
+            return std::string(text::trimmed(text::columns(line, 8, line.size())));
     return {};
 }
 

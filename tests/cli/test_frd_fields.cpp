@@ -3,8 +3,10 @@
 #include <cmath>
 
 #include "frd/fields.h"
+#include "text/numbers.h"
 
 using namespace vak::frd;
+using namespace vak::text;
 
 TEST(FrdFields, columns_behind_the_end_of_a_line_are_empty)
 {

@@ -402,7 +402,7 @@ TEST_F(Import, what_cannot_be_written_is_told_in_one_line)
     EXPECT_EQ(says(folder.file("no/run.h5")), "vak import: " + folder.file("no/run.h5") +
                                                   ": cannot be written: the folder " + folder.file("no") +
                                                   " (No such file or directory)\n");
-    EXPECT_EQ(says(frd), "vak import: " + frd + ": is the result file itself; name another file with -o\n");
+    EXPECT_EQ(says(frd), "vak import: " + frd + ": is the file to read; name another one with -o\n");
     EXPECT_THAT(contents(frd), StartsWith("    1C"));
 }
 
@@ -452,7 +452,7 @@ TEST(ImportUsage, missing_arguments_are_told_in_one_line)
     EXPECT_EQ(vak_says({"import"}),
               (Said{.status = 2,
                     .out = "",
-                    .err = "vak import: RESULT is required (vak import --help tells the usage)\n"}));
+                    .err = "vak import: FILE is required (vak import --help tells the usage)\n"}));
     EXPECT_EQ(vak_says({"import", "a.frd"}).err,
               "vak import: --output is required (vak import --help tells the usage)\n");
     EXPECT_EQ(vak_says({}).err, "vak: A subcommand is required (vak --help tells the usage)\n");
@@ -464,6 +464,6 @@ TEST(ImportUsage, missing_arguments_are_told_in_one_line)
 TEST(ImportUsage, help_and_version_are_no_failures)
 {
     EXPECT_EQ(vak_says({"--version"}), (Said{.status = 0, .out = "vak 2.2.14\n", .err = ""}));
-    EXPECT_THAT(vak_says({"import", "--help"}).out, HasSubstr("RESULT"));
+    EXPECT_THAT(vak_says({"import", "--help"}).out, HasSubstr("FILE"));
     EXPECT_EQ(vak_says({"--help"}).status, 0);
 }

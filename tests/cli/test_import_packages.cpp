@@ -8,6 +8,7 @@
 #include <nlohmann/json.hpp>
 #include <sstream>
 
+#include "cli/deck.h"
 #include "cli/frd_text.h"
 #include "cli/program.h"
 #include "cli/read_back.h"
@@ -17,17 +18,6 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// Where the decks are; script/setup puts them into the cache on machines that leave documents out of
-// packages.
-std::string decks()
-{
-    const std::string folder = "usr/share/doc/calculix-ccx-test/examples/test";
-    if (fs::exists("/" + folder)) return "/" + folder;
-    const char *cache = std::getenv("XDG_CACHE_HOME"), *home = std::getenv("HOME");
-    return (cache ? std::string(cache) : std::string(home ? home : "") + "/.cache") + "/vak_sp/" + folder;
-}
-
-const std::string solver_tests = decks();
 const std::string freecad_results = "/usr/share/freecad/Mod/Fem/femtest/data/calculix";
 
 bool is_result(const std::string& name)
@@ -46,11 +36,6 @@ std::vector<std::string> results_in(const std::string& folder)
         if (is_result(entry.path().filename())) found.push_back(entry.path());
     std::sort(found.begin(), found.end());
     return found;
-}
-
-void copy_unpacked(const std::string& from, const std::string& to)
-{
-    ASSERT_EQ(std::system(("zcat -f '" + from + "' > '" + to + "'").c_str()), 0);
 }
 
 // What a result file says, read by other means than the program's: the values of each result block.
@@ -106,7 +91,7 @@ void import_and_compare(const std::string& result)
     SCOPED_TRACE(result);
     const TempFolder folder;
     const std::string frd = folder.file("run.frd"), h5 = folder.file("run.h5");
-    copy_unpacked(result, frd);
+    unpack(result, frd);
     const Said said = vak_says({"import", frd, "-o", h5});
     if (said.status == 2) {
         EXPECT_THAT(said.err, testing::MatchesRegex("vak import: .*run.frd, line [0-9]+: [^\n]+\n"));
@@ -137,7 +122,7 @@ void import_all(const std::string& folder, const char* package)
 
 TEST(ImportPackages, every_result_of_the_solvers_tests_imports_or_is_refused_with_its_line)
 {
-    import_all(solver_tests, "calculix-ccx-test");
+    import_all(decks(), "calculix-ccx-test");
 }
 
 TEST(ImportPackages, every_result_of_freecad_imports_or_is_refused_with_its_line)
@@ -148,13 +133,9 @@ TEST(ImportPackages, every_result_of_freecad_imports_or_is_refused_with_its_line
 // A rotating segment: the modes of a cyclic structure, five states with complex displacements and stresses.
 TEST(ImportPackages, the_complex_result_of_the_deck_segment_is_stored_as_complex_blocks)
 {
-    const std::string deck = solver_tests + "/segment.inp.gz";
-    if (!fs::exists(deck) || !fs::exists("/usr/bin/ccx"))
-        GTEST_SKIP()
-            << "packages calculix-ccx and calculix-ccx-test are not installed: the deck segment cannot be solved";
+    if (!solver_is_installed() || !deck_is_there("segment")) GTEST_SKIP() << solver_is_missing("segment");
     const TempFolder folder;
-    copy_unpacked(deck, folder.file("segment.inp"));
-    ASSERT_EQ(std::system(("cd '" + folder.path() + "' && ccx segment >solver.log 2>&1").c_str()), 0);
+    solve(folder, "segment");
     ASSERT_NO_FATAL_FAILURE(import_and_compare(folder.file("segment.frd")));
     const std::string h5 = folder.file("segment.h5");
     ASSERT_EQ(vak_says({"import", folder.file("segment.frd"), "-o", h5}).status, 0);

@@ -1,4 +1,4 @@
-// A result file read forward once: numbered text lines, and the bytes of binary blocks between them.
+// A file read forward once: numbered text lines, and the bytes of binary blocks between them.
 #pragma once
 
 #include <cstddef>
@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-namespace vak::frd {
+namespace vak::text {
 
 class Lines {
 public:
@@ -42,4 +42,4 @@ private:
     bool again_ = false;
 };
 
-}  // namespace vak::frd
+}  // namespace vak::text

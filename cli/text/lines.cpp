@@ -1,4 +1,4 @@
-#include "frd/lines.h"
+#include "text/lines.h"
 
 #include <algorithm>
 #include <cerrno>
@@ -6,7 +6,7 @@
 
 #include "problem.h"
 
-namespace vak::frd {
+namespace vak::text {
 
 namespace {
 
@@ -82,4 +82,4 @@ bool Lines::bytes(void* to, size_t count)
     return true;
 }
 
-}  // namespace vak::frd
+}  // namespace vak::text
