@@ -70,6 +70,16 @@ int32_t copy_kind(const Merge& merge, const SharedKind& kind)
     return 0;
 }
 
+bool copy_object(hid_t from, const char* name, hid_t to, const char* new_name)
+{
+    const Properties with_parents(H5Pcreate(H5P_LINK_CREATE));
+    H5Pset_create_intermediate_group(with_parents.get(), 1);
+    // A link would lead nowhere in the target.
+    const Properties with_contents(H5Pcreate(H5P_OBJECT_COPY));
+    H5Pset_copy_object(with_contents.get(), H5O_COPY_EXPAND_SOFT_LINK_FLAG);
+    return H5Ocopy(from, name, to, new_name, with_contents.get(), with_parents.get()) >= 0;
+}
+
 // A target without a header receives that of the first file that has one.
 int32_t copy_header(const Merge& merge)
 {
@@ -79,18 +89,10 @@ int32_t copy_header(const Merge& merge)
         const auto headers = blocks_with_key(list, header_key);
         if (headers.empty()) continue;
         const std::string& path = list.blocks[static_cast<size_t>(headers[0])].path;
-        const bool done = H5Ocopy(merge.domains[file].file, path.c_str(), merge.target, "vakheader",
-                                  H5P_DEFAULT, H5P_DEFAULT) >= 0;
+        const bool done = copy_object(merge.domains[file].file, path.c_str(), merge.target, "vakheader");
         return done ? 0 : write_failed("vakheader", -1);
     }
     return 0;
-}
-
-bool copy_object(hid_t from, const char* name, hid_t to, const char* new_name)
-{
-    const Properties with_parents(H5Pcreate(H5P_LINK_CREATE));
-    H5Pset_create_intermediate_group(with_parents.get(), 1);
-    return H5Ocopy(from, name, to, new_name, H5P_DEFAULT, with_parents.get()) >= 0;
 }
 
 bool copy_sections(const Group& from, hid_t target, const std::string& path)
