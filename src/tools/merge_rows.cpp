@@ -42,9 +42,11 @@ void scatter_rows(const std::vector<int32_t>& place, const char* from, size_t fr
                   size_t to_bytes)
 {
     if (from_bytes != to_bytes) {
-        for (size_t i = 0; i < place.size(); ++i)
-            std::memcpy(to + static_cast<size_t>(place[i]) * to_bytes, from + i * from_bytes,
-                        std::min(from_bytes, to_bytes));
+        for (size_t i = 0; i < place.size(); ++i) {
+            char* const row = to + static_cast<size_t>(place[i]) * to_bytes;
+            std::memset(row, 0, to_bytes);
+            std::memcpy(row, from + i * from_bytes, std::min(from_bytes, to_bytes));
+        }
         return;
     }
     switch (to_bytes) {

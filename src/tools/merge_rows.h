@@ -9,7 +9,7 @@
 
 namespace vak {
 
-// Copies row i of `from` to row place[i] of `to`. Rows of `from` may be narrower; the rest stays as it is.
+// Copies row i of `from` to row place[i] of `to`. Rows of `from` may be narrower; the rest becomes 0.
 void scatter_rows(const std::vector<int32_t>& place, const char* from, size_t from_bytes, char* to,
                   size_t to_bytes);
 
