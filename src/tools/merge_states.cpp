@@ -60,6 +60,7 @@ void write_slices(Join& join, Block& io, const MergedColumn& c, MergeSlice merge
         if (!has_states(join, *c.column)) return put(io, c, merged.data(), extents);
         extents.insert(extents.begin(), slice.n);
         put_states(io, c, merged.data(), extents);
+        io.is_new = io.section_is_new = false;  // the next slice finds the dataset there
     }
 }
 
