@@ -7,8 +7,10 @@
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <filesystem>
+#include <set>
 
 #include "problem.h"
 
@@ -17,14 +19,62 @@ namespace vak::import {
 namespace {
 
 constexpr std::array<int, 3> ending_signals{SIGINT, SIGTERM, SIGHUP};
-std::array<char, 4096> to_remove{};  // read by the signal handler
 
-// Removes the file and lets the signal do what it does without a handler.
+// What is to be removed when the program ends before its work does. The handler reads it, so it changes
+// only while the signals wait.
+std::set<std::string>& unfinished()
+{
+    static std::set<std::string> files;
+    return files;
+}
+
+void remove_unfinished()
+{
+    for (const std::string& file : unfinished()) unlink(file.c_str());
+}
+
+// Removes the files and lets the signal do what it does without a handler.
 void remove_and_end(int signal)
 {
-    if (to_remove[0] != '\0') unlink(to_remove.data());
+    remove_unfinished();
     std::signal(signal, SIG_DFL);
     std::raise(signal);
+}
+
+class SignalsWait {
+public:
+    SignalsWait()
+    {
+        sigset_t waiting;
+        sigemptyset(&waiting);
+        for (const int signal : ending_signals) sigaddset(&waiting, signal);
+        pthread_sigmask(SIG_BLOCK, &waiting, &before_);
+    }
+    SignalsWait(const SignalsWait&) = delete;
+    SignalsWait& operator=(const SignalsWait&) = delete;
+    ~SignalsWait() { pthread_sigmask(SIG_SETMASK, &before_, nullptr); }
+
+private:
+    sigset_t before_{};
+};
+
+// The library ends the process where it has no memory: then, too, the files go.
+void register_file(const std::string& path)
+{
+    const SignalsWait wait;
+    unfinished().insert(path);
+    if (unfinished().size() > 1) return;
+    for (const int signal : ending_signals) std::signal(signal, remove_and_end);
+    static const bool at_end = std::atexit(remove_unfinished) == 0;
+    static_cast<void>(at_end);
+}
+
+void forget_file(const std::string& path)
+{
+    const SignalsWait wait;
+    unfinished().erase(path);
+    if (!unfinished().empty()) return;
+    for (const int signal : ending_signals) std::signal(signal, SIG_DFL);
 }
 
 std::string temporary_name(const std::string& final_name)
@@ -54,17 +104,13 @@ PartFile::PartFile(std::string final_name)
     : final_name_(std::move(final_name)), path_(temporary_name(final_name_))
 {
     check_place(final_name_);
-    if (path_.size() >= to_remove.size()) throw cli::Problem(final_name_ + ": the name is too long");
-    path_.copy(to_remove.data(), path_.size());
-    to_remove[path_.size()] = '\0';
-    for (const int signal : ending_signals) std::signal(signal, remove_and_end);
+    register_file(path_);
 }
 
 PartFile::~PartFile()
 {
-    for (const int signal : ending_signals) std::signal(signal, SIG_DFL);
-    to_remove[0] = '\0';
     if (!path_.empty()) unlink(path_.c_str());
+    forget_file(path_);
 }
 
 void PartFile::complete()
@@ -74,6 +120,7 @@ void PartFile::complete()
     if (file >= 0) ::close(file);
     if (!on_disk) refuse(final_name_, "cannot be brought to the disk");
     if (std::rename(path_.c_str(), final_name_.c_str()) != 0) refuse(final_name_, "cannot be written");
+    forget_file(path_);
     path_.clear();
 }
 

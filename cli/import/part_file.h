@@ -5,8 +5,8 @@
 
 namespace vak::import {
 
-// One at a time in a process. Unless it was completed, the temporary file is removed: at the end of its
-// life, and when the process is interrupted or told to end.
+// Unless it was completed, the temporary file is removed: at the end of its life, and when the process exits
+// or is interrupted or told to end.
 class PartFile {
 public:
     explicit PartFile(std::string final_name);
