@@ -10,5 +10,7 @@ void add_list(CLI::App& app);
 void add_show(CLI::App& app);
 void add_import(CLI::App& app);
 void add_export(CLI::App& app);
+void add_merge(CLI::App& app);
+void add_compare(CLI::App& app);
 
 }  // namespace vak::cli

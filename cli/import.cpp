@@ -5,6 +5,7 @@
 #include <string>
 
 #include "commands.h"
+#include "domains/import_domains.h"
 #include "import/part_file.h"
 #include "import/results.h"
 #include "matrix/matrix.h"
@@ -19,16 +20,9 @@ struct Options {
     std::vector<std::string> sources;
     std::string output;
     std::string series;
-    std::string matrix;  // the kind of block, when matrices are imported
+    int32_t domains = 0;  // 0: one file, no domains
+    std::string matrix;   // the kind of block, when matrices are imported
 };
-
-// The model's group is named like the result file.
-std::string model_name(const std::string& result)
-{
-    const std::string stem = std::filesystem::path(result).stem().string();
-    const bool usable = !stem.empty() && stem != "." && stem != ".." && stem != "post";
-    return usable ? stem : "model";
-}
 
 // The name is one level of a path.
 std::string series_name(const std::string& name)
@@ -50,12 +44,12 @@ void check_not_itself(const std::string& source, const std::string& output)
 void import_matrices(const Options& options)
 {
     import::PartFile part(options.output);
-    store::File file = store::File::create(part.path(), model_name(options.sources.front()));
+    store::File file = store::File::create(part.path(), store::model_name(options.sources.front()));
     store::call("writing the header", VAK_WRITE_FILEHEADER, file.root(), nullptr, nullptr);
     std::set<std::string> names;
     for (const std::string& source : options.sources) {
         check_not_itself(source, options.output);
-        const std::string name = model_name(source);
+        const std::string name = store::model_name(source);
         if (!names.insert(name).second)
             throw Problem(source + ": there is another matrix of that name; rename the file");
         matrix::write_block(matrix::read_market(source), options.matrix, name, file);
@@ -64,13 +58,24 @@ void import_matrices(const Options& options)
     part.complete();
 }
 
+void import_result(const Options& options, const std::string& result)
+{
+    const std::string model = store::model_name(result);
+    if (options.domains == 0) {
+        check_not_itself(result, options.output);
+        return import::import_results(result, model, options.series, options.output);
+    }
+    const auto outputs = domains::file_names(options.output, options.domains);
+    for (const std::string& output : outputs) check_not_itself(result, output);
+    domains::import_domains(result, model, options.series, outputs);
+}
+
 void run(const Options& options)
 {
     if (!options.matrix.empty()) return import_matrices(options);
-    if (options.sources.size() > 1) throw Problem("more than one result file; import one at a time, or matrices with --matrix KIND");
-    const std::string& result = options.sources.front();
-    check_not_itself(result, options.output);
-    import::import_results(result, model_name(result), options.series, options.output);
+    if (options.sources.size() > 1)
+        throw Problem("more than one result file; import one at a time, or matrices with --matrix KIND");
+    import_result(options, options.sources.front());
 }
 
 }  // namespace
@@ -94,6 +99,11 @@ void add_import(CLI::App& app)
     import->add_option("--matrix", options->matrix, "Store matrices, as blocks of this kind")
         ->check(CLI::IsMember({"sparse", "triangular", "dense"}))
         ->excludes("--series");
+    import
+        ->add_option("--domains", options->domains,
+                     "Cut the mesh into so many domains and write a file for each: -o RUN-%d.h5")
+        ->check(CLI::Range(1, 100000))
+        ->excludes("--matrix");
     import->callback([options] { run(*options);
 });
 }  // namespace vak::cli

@@ -34,6 +34,8 @@ int run(int argc, char** argv)
     vak::cli::add_show(app);
     vak::cli::add_import(app);
     vak::cli::add_export(app);
+    vak::cli::add_merge(app);
+    vak::cli::add_compare(app);
     try {
         app.parse(argc, argv);
         if (std::fflush(stdout) != 0)
@@ -41,6 +43,8 @@ int run(int argc, char** argv)
         return 0;
     } catch (const CLI::Success& asked) {
         return app.exit(asked);
+    } catch (const CLI::RuntimeError& answer) {
+        return answer.get_exit_code();  // of a subcommand whose answer it is
     } catch (const CLI::ParseError& error) {
         return refuse(chosen(app),
                       first_line(error.what()) + " (" + chosen(app) + " --help tells the usage)");

@@ -11,6 +11,8 @@ namespace vak::import {
 constexpr store::Int none{-1}, zero{0}, one{1}, single_precision{4}, no_filters{0};
 constexpr int32_t no_parameters[2] = {0, 0};
 
+constexpr int32_t real_values = 4, complex_values = 16;
+
 constexpr const char* node_type = "NODE";
 constexpr const char* part_type = "PART";
 constexpr const char* element_type = "ELEMENT";

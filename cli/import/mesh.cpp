@@ -53,6 +53,15 @@ void write_elements(const store::File& file, int32_t type, const frd::ElementGro
          single_precision);
 }
 
+// Those of the whole mesh's parts that this mesh has elements of.
+std::map<PartKey, int32_t> used_parts(const frd::Mesh& mesh, const std::map<PartKey, int32_t>& parts)
+{
+    std::map<PartKey, int32_t> used;
+    for (const auto& [type, elements] : mesh.elements)
+        for (const PartKey& key : part_keys(elements)) used[key] = parts.at(key);
+    return used;
+}
+
 void write_parts(const store::File& file, const std::map<PartKey, int32_t>& parts,
                  const frd::Description& description)
 {
@@ -81,28 +90,47 @@ std::vector<int32_t> members(const frd::ElementGroup& elements, int32_t group)
     return found;
 }
 
-// Groups above 0 are the sets of elements that the file has; 0 is no group.
-void write_groups(const store::File& file, const frd::Mesh& mesh)
+std::set<int32_t> groups_of(const frd::Mesh& mesh)
 {
     std::set<int32_t> groups;
-    std::string types;
-    for (const auto& [type, elements] : mesh.elements) {
+    for (const auto& [type, elements] : mesh.elements)
         for (const int32_t group : elements.groups)
             if (group > 0) groups.insert(group);
+    return groups;
+}
+
+std::string type_names(const frd::Mesh& mesh)
+{
+    std::string names;
+    for (const auto& [type, elements] : mesh.elements) {
         const std::string name = element_type_name(type);
-        types += name + std::string(256 - name.size(), ' ');
+        names += name + std::string(256 - name.size(), ' ');
     }
+    return names;
+}
+
+// Groups above 0 are the sets of elements that the file has; 0 is no group. They have a list for each
+// element type of the whole mesh, an empty one where this mesh has no such elements.
+void write_groups(const store::File& file, const frd::Mesh& mesh, const frd::Mesh& whole)
+{
+    const std::set<int32_t> groups = groups_of(mesh);
+    const std::string types = type_names(whole);
     if (groups.empty()) return;
     const std::vector<int32_t> identifiers(groups.begin(), groups.end());
     std::vector<int32_t> counts, all;
     for (const int32_t group : identifiers)
-        for (const auto& [type, elements] : mesh.elements) {
-            const auto found = members(elements, group);
+        for (const auto& [type, all_elements] : whole.elements) {
+            const auto elements = mesh.elements.find(type);
+            if (elements == mesh.elements.end()) {
+                counts.push_back(0);
+                continue;
+            }
+            const auto found = members(elements->second, group);
             counts.push_back(static_cast<int32_t>(found.size()));
             all.insert(all.end(), found.begin(), found.end());
         }
     call("writing the groups of elements", VAK_WRITE_COLLECTOR, file.root(), "GROUP",
-         count(identifiers.size()), count(mesh.elements.size()), zero, zero, nullptr, nullptr,
+         count(identifiers.size()), count(whole.elements.size()), zero, zero, nullptr, nullptr,
          identifiers.data(), types.c_str(), counts.data(), all.data(), none, no_filters, no_parameters,
          single_precision);
 }
@@ -136,14 +164,15 @@ const char* element_type_name(int32_t type)
 
 int32_t element_dimension(int32_t type) { return type <= 6 ? 3 : type <= 10 ? 2 : 1; }
 
-void write_mesh(const store::File& file, const frd::Mesh& mesh, const frd::Description& description)
+void write_mesh(const store::File& file, const frd::Mesh& mesh, const frd::Mesh& whole,
+                const frd::Description& description)
 {
     if (!mesh.nodes.empty()) write_identifiers(file, mesh.nodes);
     if (mesh.elements.empty()) return;
-    const auto parts = part_numbers(mesh);
-    write_parts(file, parts, description);
+    const auto parts = part_numbers(whole);
+    write_parts(file, used_parts(mesh, parts), description);
     for (const auto& [type, elements] : mesh.elements) write_elements(file, type, elements, parts);
-    write_groups(file, mesh);
+    write_groups(file, mesh, whole);
 }
 
 }  // namespace vak::import

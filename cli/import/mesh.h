@@ -25,6 +25,8 @@ std::string part_title(const frd::Description& description, const PartKey& part)
 const char* element_type_name(int32_t type);
 int32_t element_dimension(int32_t type);
 
-void write_mesh(const store::File& file, const frd::Mesh& mesh, const frd::Description& description);
+// Writes a mesh, which is a part of the whole one or all of it. Parts are numbered in the whole.
+void write_mesh(const store::File& file, const frd::Mesh& mesh, const frd::Mesh& whole,
+                const frd::Description& description);
 
 }  // namespace vak::import

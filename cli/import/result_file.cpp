@@ -17,22 +17,21 @@ namespace {
 using store::call;
 using store::Int;
 
-constexpr int32_t real_values = 4, complex_values = 16;
 constexpr const char* no_zone = "";
 constexpr const char* global_frame = "GLOBAL";
 
 }  // namespace
 
 ResultFile::ResultFile(const std::string& path, const std::string& model, const Survey& survey,
-                       std::string series)
-    : survey_(survey), series_(std::move(series)), file_(store::File::create(path, model))
+                       const frd::Mesh& mesh, std::string series)
+    : survey_(survey), mesh_(mesh), series_(std::move(series)), file_(store::File::create(path, model))
 {
     call("writing the header", VAK_WRITE_FILEHEADER, file_.root(), nullptr, nullptr);
     write_system(model);
     write_index();
     for (const Variable& variable : survey_.variables) write_variable(variable);
     write_coordinates();
-    write_mesh(file_, survey_.mesh, survey_.description);
+    write_mesh(file_, mesh_, survey_.mesh, survey_.description);
     write_text("RUN", run_lines(), nullptr);
 }
 
@@ -70,13 +69,12 @@ void ResultFile::write_coordinates()
     static const std::vector<frd::Component> xyz{{.name = "X", .type = 2, .row = 1},
                                                  {.name = "Y", .type = 2, .row = 2},
                                                  {.name = "Z", .type = 2, .row = 3}};
-    const frd::Mesh& mesh = survey_.mesh;
-    if (mesh.nodes.empty()) return;
+    if (mesh_.nodes.empty()) return;
     write_variable({.key = "COORD", .components = xyz});
     call("writing the node coordinates", VAK_WRITE_ENTITYRESULTS, file_.root(), node_type,
-         count(mesh.nodes.size()), "COORD", Int{3}, no_zone, none, global_frame, zero, zero, zero, zero,
-         nullptr, nullptr, mesh.nodes.data(), zero, nullptr, nullptr, nullptr, mesh.coordinates.data(), none,
-         none, no_filters, no_parameters, Int{real_values});
+         count(mesh_.nodes.size()), "COORD", Int{3}, no_zone, none, global_frame, zero, zero, zero, zero,
+         nullptr, nullptr, mesh_.nodes.data(), zero, nullptr, nullptr, nullptr, mesh_.coordinates.data(),
+         none, none, no_filters, no_parameters, Int{real_values});
 }
 
 // The lines 1C and 1U as they stand in the result file, without the blanks before them.
@@ -107,53 +105,34 @@ void ResultFile::write_text(const char* name, const std::vector<std::string>& li
          state ? Int{state->number} : none, no_filters, no_parameters, single_precision);
 }
 
-void ResultFile::write(const PlannedResult& result, const frd::Values& values)
-{
-    write_results(result, values.nodes, values.values.data(), real_values);
-}
-
-void ResultFile::write(const PlannedResult& result, const frd::Values& real, const frd::Values& imaginary)
-{
-    pairs_.resize(2 * real.values.size());
-    for (size_t i = 0; i < real.values.size(); ++i) {
-        pairs_[2 * i] = real.values[i];
-        pairs_[2 * i + 1] = imaginary.values[i];
-    }
-    write_results(result, real.nodes, pairs_.data(), complex_values);
-}
-
-void ResultFile::write_results(const PlannedResult& result, const std::vector<int32_t>& nodes,
-                               const float* values, int32_t value_form)
+void ResultFile::write(const PlannedResult& result, const frd::Values& values, const ValueForm& form)
 {
     if (series_.empty())
-        write_state(result, nodes, values, value_form);
+        write_state(result, values, form.type);
     else
-        append_state(result, nodes, values, value_form);
+        append_state(result, values, form);
 }
 
-void ResultFile::write_state(const PlannedResult& result, const std::vector<int32_t>& nodes,
-                             const float* values, int32_t value_form)
+void ResultFile::write_state(const PlannedResult& result, const frd::Values& values, int32_t value_form)
 {
     const Variable& variable = survey_.variables[result.variable];
     const State& state = survey_.states[result.state];
     call("writing " + variable.key + " of state " + std::to_string(state.number), VAK_WRITE_ENTITYRESULTS,
-         file_.root(), node_type, count(nodes.size()), variable.key.c_str(),
+         file_.root(), node_type, count(values.nodes.size()), variable.key.c_str(),
          count(variable.components.size()), no_zone, none, global_frame, zero, zero, one, Int{state.analysis},
-         Int{state.number}, &state.value, nodes.data(), zero, nullptr, nullptr, nullptr, values, none,
-         Int{state.number}, no_filters, no_parameters, Int{value_form});
+         Int{state.number}, &state.value, values.nodes.data(), zero, nullptr, nullptr, nullptr,
+         values.values.data(), none, Int{state.number}, no_filters, no_parameters, Int{value_form});
 }
 
-void ResultFile::append_state(const PlannedResult& result, const std::vector<int32_t>& nodes,
-                              const float* values, int32_t value_form)
+void ResultFile::append_state(const PlannedResult& result, const frd::Values& values, const ValueForm& form)
 {
     const Variable& variable = survey_.variables[result.variable];
     const State& state = survey_.states[result.state];
-    const Int set{sets_.set_of(result.variable, value_form, nodes)};
     call("appending " + variable.key + " of state " + std::to_string(state.number),
-         VAK_WRITE_MULTIENTITYRESULTS, file_.root(), series_.c_str(), node_type, count(nodes.size()),
+         VAK_WRITE_MULTIENTITYRESULTS, file_.root(), series_.c_str(), node_type, count(values.nodes.size()),
          variable.key.c_str(), count(variable.components.size()), no_zone, none, global_frame, zero, zero,
-         one, &state.number, &state.value, nodes.data(), zero, nullptr, nullptr, nullptr, values, set, one,
-         no_filters, no_parameters, Int{value_form});
+         one, &state.number, &state.value, values.nodes.data(), zero, nullptr, nullptr, nullptr,
+         values.values.data(), Int{form.set}, one, no_filters, no_parameters, Int{form.type});
 }
 
 }  // namespace vak::import

@@ -5,8 +5,7 @@
 
 #include "frd/reader.h"
 #include "import/part_file.h"
-#include "import/result_file.h"
-#include "import/survey.h"
+#include "import/series_sets.h"
 #include "problem.h"
 
 namespace vak::import {
@@ -16,8 +15,8 @@ namespace {
 // Real parts wait for their imaginary parts, which come later in the same state.
 class Transfer {
 public:
-    Transfer(std::string source, const Survey& survey, ResultFile& into)
-        : source_(std::move(source)), survey_(survey), into_(into)
+    Transfer(std::string source, const Survey& survey, bool in_series, Receiver& into)
+        : source_(std::move(source)), survey_(survey), in_series_(in_series), into_(into)
     {
     }
 
@@ -29,13 +28,13 @@ public:
         take_parameters(result.state, reader.parameters());
         if (result.part == Part::real) return reader.read_values(waiting_[result.variable]);
         reader.read_values(values_);
-        if (result.part == Part::whole) return into_.write(result, values_);
-        const frd::Values real = std::move(waiting_.extract(result.variable).mapped());
+        if (result.part == Part::whole) return write(result, values_, real_values);
+        frd::Values real = std::move(waiting_.extract(result.variable).mapped());
         if (real.nodes != values_.nodes)
             throw cli::Problem(
                 source_ + ", line " + std::to_string(result.line) +
                 ": the nodes of the imaginary part are not those of the real part; the file is damaged");
-        into_.write(result, real, values_);
+        write(result, pairs(std::move(real), values_), complex_values);
     }
 
     // The parameters of the last state.
@@ -45,6 +44,23 @@ public:
     }
 
 private:
+    void write(const PlannedResult& result, const frd::Values& values, int32_t type)
+    {
+        const int32_t set = in_series_ ? sets_.set_of(result.variable, type, values.nodes) : -1;
+        into_.write(result, values, {type, set});
+    }
+
+    static frd::Values pairs(frd::Values real, const frd::Values& imaginary)
+    {
+        std::vector<float> values(2 * real.values.size());
+        for (size_t i = 0; i < real.values.size(); ++i) {
+            values[2 * i] = real.values[i];
+            values[2 * i + 1] = imaginary.values[i];
+        }
+        real.values = std::move(values);
+        return real;
+    }
+
     // Each result repeats the lines of its state; those that are alike are kept once.
     void take_parameters(size_t state, const std::vector<std::string>& lines)
     {
@@ -62,7 +78,9 @@ private:
 
     std::string source_;
     const Survey& survey_;
-    ResultFile& into_;
+    bool in_series_;
+    Receiver& into_;
+    SeriesSets sets_;
     size_t next_ = 0;
     frd::Values values_;
     size_t state_ = 0;
@@ -72,17 +90,23 @@ private:
 
 }  // namespace
 
+void transfer_results(const std::string& result, const Survey& survey, const std::string& series,
+                      Receiver& into)
+{
+    Transfer transfer(result, survey, !series.empty(), into);
+    frd::Reader reader(result);
+    for (auto kind = reader.next(); kind != frd::BlockKind::end; kind = reader.next())
+        if (kind == frd::BlockKind::result) transfer.take(reader);
+    transfer.finish();
+}
+
 void import_results(const std::string& result, const std::string& model, const std::string& series,
                     const std::string& output)
 {
     const Survey found = survey(result);
     PartFile part(output);
-    ResultFile file(part.path(), model, found, series);
-    Transfer transfer(result, found, file);
-    frd::Reader reader(result);
-    for (auto kind = reader.next(); kind != frd::BlockKind::end; kind = reader.next())
-        if (kind == frd::BlockKind::result) transfer.take(reader);
-    transfer.finish();
+    ResultFile file(part.path(), model, found, found.mesh, series);
+    transfer_results(result, found, series, file);
     file.close();
     part.complete();
 }

@@ -103,6 +103,13 @@ void File::close()
     if (status < 0) throw cli::Problem(path_ + ": not everything could be written; is the disk full?");
 }
 
+std::string model_name(const std::string& file)
+{
+    const std::string stem = std::filesystem::path(file).stem().string();
+    const bool usable = !stem.empty() && stem != "." && stem != ".." && stem != "post";
+    return usable ? stem : "model";
+}
+
 bool has_group(const vak_id* location, const std::string& path)
 {
     const vak_id group = open_if_there(location, path.c_str());

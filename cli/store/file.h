@@ -34,6 +34,9 @@ private:
     vak_id root_ = -1;
 };
 
+// The name of the model in a file that is made of or for the given one: the file's, without its ending.
+std::string model_name(const std::string& file);
+
 // Whether a group is there.
 bool has_group(const vak_id* location, const std::string& path);
 
