@@ -38,7 +38,7 @@ int run(int argc, char** argv)
     vak::cli::add_compare(app);
     try {
         app.parse(argc, argv);
-        if (std::fflush(stdout) != 0)
+        if (std::fflush(stdout) != 0 || std::ferror(stdout))
             return refuse(chosen(app), "the output could not be written; is the disk full?");
         return 0;
     } catch (const CLI::Success& asked) {

@@ -16,6 +16,8 @@ using text::trimmed;
 Reader::Reader(const std::string& path) : lines_(path)
 {
     const bool is_frd = lines_.next() && trimmed(lines_.text()).starts_with("1C");
+    if (lines_.text().starts_with("%%MatrixMarket"))
+        lines_.fail("this is a matrix; say of which kind its block is to be, with --matrix");
     if (!is_frd)
         lines_.fail("this is no result file of CalculiX (.frd): it does not begin with a record 1C", 1);
     lines_.put_back();

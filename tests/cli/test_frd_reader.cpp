@@ -304,6 +304,8 @@ TEST_F(FrdReader, another_kind_of_file_is_refused_at_its_first_line)
     EXPECT_EQ(problem("*HEADING\n"), expected);
     EXPECT_EQ(problem(""), expected);
     EXPECT_EQ(problem(std::string("\x89HDF\r\n\x1a\n\0\0\0", 11)), expected);
+    EXPECT_EQ(problem("%%MatrixMarket matrix array real general\n"),
+              ", line 1: this is a matrix; say of which kind its block is to be, with --matrix");
     EXPECT_THAT(problem(std::string(3 << 20, 'x')),
                 HasSubstr("line 1: the line is too long for a text file"));
 }
