@@ -33,9 +33,9 @@ Params params_of(const Merge& merge)
             static_cast<int32_t>(merge.storage.real_size)};
 }
 
-bool is_there(const Merge& merge, const char* type, const char* name)
+bool is_there(const Merge& merge, const char* type, const char* name, const char* etypvar = nullptr)
 {
-    const std::string path = path_text(merge.family, {.names = {type, name}});
+    const std::string path = path_text(merge.family, {.names = {type, name, etypvar}});
     if (!exists_in_target(merge, path)) return false;
     std::fprintf(stderr, "VAK WARNING target file: \"%s\" is there already and stays\n", path.c_str());
     return true;
@@ -78,6 +78,8 @@ std::vector<float> lowest_files(const Order& order)
 
 int32_t write_numbers(const Merge& merge, const std::string& etyp, const std::vector<Ids>& elements)
 {
+    // Domains that were merged before bring theirs along.
+    if (is_there(merge, "entityresults", etyp.c_str(), variable_name)) return 0;
     const Order order = order_of(elements);
     const std::vector<float> numbers = lowest_files(order);
     const std::string variable = field(variable_name), blank = field(""), type = field(etyp.c_str());

@@ -23,9 +23,11 @@ protected:
     // A new domain file, open for writing until the end of the test.
     hid_t add_domain()
     {
-        domains_.push_back(create("domain" + std::to_string(made_++) + ".h5"));
+        adopt(create_domain());
         return domains_.back();
     }
+    hid_t create_domain() { return create("domain" + std::to_string(made_++) + ".h5"); }
+    void adopt(hid_t domain) { domains_.push_back(domain); }
 
     hid_t target() const { return file; }
 
