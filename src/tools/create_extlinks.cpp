@@ -97,8 +97,10 @@ int32_t create_extlinks(const vak_id* sources, int32_t nsource, const char* subg
     print_banner();
     if (option & 1) {
         to.subgroup = counted(subgroup);
-        hid_t group = H5I_INVALID_HID;
-        status = h5gopen(to.group, to.subgroup, 0, &group);
+        const auto length = static_cast<int32_t>(to.subgroup.size());
+        const int32_t create = 0;
+        vak_id group = H5I_INVALID_HID;
+        VAK_H5GOPEN(&to.group, subgroup, &length, &create, &group, &status);
         if (status < 0) return status;
         made = Group(group);
         to.group = group;

@@ -1,17 +1,19 @@
 #include "tools/erase_block.h"
 
+#include <algorithm>
 #include <cstdio>
 
-#include "blocks/fields.h"
+#include "blocks/series.h"
 #include "catalogue/guarded_links.h"
 #include "tools/cut_series.h"
+#include "tools/stored_series.h"
 
 namespace vak {
 
 namespace {
 
+constexpr int32_t unreadable = -6999;
 constexpr const char* state_datasets[] = {"indexident", "indexval", "res", "status"};
-constexpr const char* copy_name = "states being rewritten";
 
 bool has(hid_t group, const char* name) { return H5Lexists(group, name, H5P_DEFAULT) > 0; }
 
@@ -81,12 +83,17 @@ int32_t read_nindex(const ErasableBlock& b, int32_t* nindex)
     return VAK_H5Aread("nindex", nindex, integer_type, sizeof *nindex, nullptr, 0, header.get(), &stored);
 }
 
-int64_t first_extent(hid_t group, const char* name)
+// A row more than are stored costs nothing in the file; only so many may be made up where rows were left out.
+constexpr int64_t rows_left_out = 1 << 20;
+
+// How many rows the dataset has; -1 where they cannot be taken for rows of states.
+int64_t stored_rows(hid_t group, const char* name)
 {
-    const Dataset dataset(H5Dopen2(group, name, H5P_DEFAULT));
-    const Space space(H5Dget_space(dataset.get()));
-    hsize_t dims[H5S_MAX_RANK]{};
-    return H5Sget_simple_extent_dims(space.get(), dims, nullptr) > 0 ? static_cast<int64_t>(dims[0]) : 0;
+    StoredSeries series(group, name);
+    if (!open_series(series)) return -1;
+    const double stored = static_cast<double>(series.chunks.size()) * static_cast<double>(series.chunk[0]);
+    if (static_cast<double>(series.dims[0]) > stored + rows_left_out) return -1;
+    return static_cast<int64_t>(series.dims[0]);
 }
 
 // `nstates` below 0: a single row.
@@ -107,6 +114,14 @@ IndexRows read_rows(const ErasableBlock& b, const Group& group, int64_t nstates)
     return rows;
 }
 
+int64_t complete_states(const ErasableBlock& b)
+{
+    const BlockKind kind{.key = b.key, .type = ""};
+    const Group group = open_group(b, b.family == Family::current ? b.path : parent_of(b.path));
+    const Block io(kind, b.family, Direction::read, group.get());
+    return state_count(io, group_with(b, "status").valid() ? "status" : "res");
+}
+
 template <class Step>
 int32_t for_each_state_dataset(const ErasableBlock& b, Step step)
 {
@@ -118,30 +133,41 @@ int32_t for_each_state_dataset(const ErasableBlock& b, Step step)
     return 0;
 }
 
-std::string copy_of(const char* name) { return std::string(name) + " " + copy_name; }
-
-// What a run that was killed has left behind.
-void remove_copy(hid_t group, const char* name)
-{
-    const std::string copy = copy_of(name);
-    if (has(group, copy.c_str())) H5Ldelete(group, copy.c_str(), H5P_DEFAULT);
-}
+std::string copy_of(const char* name) { return std::string(name) + " states being rewritten"; }
+std::string old_of(const char* name) { return std::string(name) + " states being replaced"; }
 
 bool rename(hid_t group, const std::string& from, const std::string& to)
 {
     return H5Lmove(group, from.c_str(), group, to.c_str(), H5P_DEFAULT, H5P_DEFAULT) >= 0;
 }
 
-// The old dataset goes when the new one has its name.
-int32_t put_in_place(hid_t group, const char* name)
+// Also what a run that was killed has left behind.
+int32_t remove_link(hid_t group, const std::string& name)
 {
-    const std::string old = copy_of(name) + ", replaced";
-    if (!rename(group, name, old)) return -1;
-    if (!rename(group, copy_of(name), name)) {
-        rename(group, old, name);
-        return -1;
-    }
-    return H5Ldelete(group, old.c_str(), H5P_DEFAULT) >= 0 ? 0 : -1;
+    if (!has(group, name.c_str())) return 0;
+    return H5Ldelete(group, name.c_str(), H5P_DEFAULT) >= 0 ? 0 : -1;
+}
+
+int32_t remove_leftovers(hid_t group, const char* name)
+{
+    const int32_t status = remove_link(group, copy_of(name));
+    return std::min(status, remove_link(group, old_of(name)));
+}
+
+int32_t swap_names(hid_t group, const char* name)
+{
+    if (!rename(group, name, old_of(name))) return -1;
+    if (rename(group, copy_of(name), name)) return 0;
+    rename(group, old_of(name), name);
+    return -1;
+}
+
+// Undoes what a failed exchange has done.
+void swap_back(hid_t group, const char* name)
+{
+    if (!has(group, old_of(name).c_str())) return;
+    remove_link(group, name);
+    rename(group, old_of(name), name);
 }
 
 int32_t write_nstate(const ErasableBlock& b, int32_t nstate)
@@ -156,17 +182,28 @@ int32_t flush(const ErasableBlock& b) { return H5Fflush(b.root, H5F_SCOPE_GLOBAL
 int32_t write_copies(const ErasableBlock& b, const std::vector<hsize_t>& kept)
 {
     return for_each_state_dataset(b, [&](hid_t group, const char* name) {
-        remove_copy(group, name);
-        return copy_kept_states(group, name, copy_of(name).c_str(), kept);
+        const int32_t status = remove_leftovers(group, name);
+        return status != 0 ? status : copy_kept_states(group, name, copy_of(name).c_str(), kept);
     });
 }
 
-void remove_copies(const ErasableBlock& b)
+// All datasets of the block or none: their rows belong together.
+int32_t put_in_place(const ErasableBlock& b)
 {
-    for_each_state_dataset(b, [](hid_t group, const char* name) {
-        remove_copy(group, name);
+    const int32_t status = for_each_state_dataset(b, swap_names);
+    if (status == 0) return 0;
+    for_each_state_dataset(b, [](hid_t group, const char* name) { return swap_back(group, name), 0; });
+    return status;
+}
+
+int32_t remove_all_leftovers(const ErasableBlock& b)
+{
+    int32_t worst = 0;
+    for_each_state_dataset(b, [&](hid_t group, const char* name) {
+        worst = std::min(worst, remove_leftovers(group, name));
         return 0;
     });
+    return worst;
 }
 
 }  // namespace
@@ -177,6 +214,14 @@ bool is_of_this_file(const ErasableBlock& b)
     H5O_info2_t root, own;
     return block.valid() && H5Oget_info3(b.root, &root, H5O_INFO_BASIC) >= 0 &&
            H5Oget_info3(block.get(), &own, H5O_INFO_BASIC) >= 0 && own.fileno == root.fileno;
+}
+
+ObjectToken token_of(const ErasableBlock& b)
+{
+    const Group block = open_group(b, b.path);
+    H5O_info2_t info{};
+    H5Oget_info3(block.get(), &info, H5O_INFO_BASIC);
+    return std::to_array(info.token.__data);
 }
 
 Group group_with(const ErasableBlock& b, const char* dataset)
@@ -208,7 +253,13 @@ IndexRows read_index_row(const ErasableBlock& b)
 IndexRows read_series_rows(const ErasableBlock& b)
 {
     const Group group = group_with(b, "indexident");
-    return group.valid() ? read_rows(b, group, first_extent(group.get(), "indexident")) : IndexRows{};
+    if (!group.valid()) return {};
+    const int64_t stored = stored_rows(group.get(), "indexident"), states = complete_states(b);
+    if (stored < states) return {.status = unreadable, .values = {}};
+    IndexRows rows = read_rows(b, group, stored);
+    // Rows behind the values are what a failed call left.
+    rows.values.resize(std::min(rows.values.size(), rows.width * static_cast<size_t>(states)));
+    return rows;
 }
 
 int32_t check_states(const ErasableBlock& b, const std::vector<hsize_t>& kept)
@@ -222,16 +273,16 @@ int32_t keep_states(const ErasableBlock& b, const std::vector<hsize_t>& kept)
     int32_t status = write_copies(b, kept);
     if (status == 0) status = flush(b);
     if (status != 0) {
-        remove_copies(b);
+        remove_all_leftovers(b);
         return status;
     }
-    status =
-        for_each_state_dataset(b, [](hid_t group, const char* name) { return put_in_place(group, name); });
+    status = put_in_place(b);
     if (status == 0) status = write_nstate(b, static_cast<int32_t>(kept.size()));
+    const int32_t removed = remove_all_leftovers(b);
     // Before the next block is written: its data must not take space that the file still counts as the old
     // states'.
     const int32_t flushed = flush(b);
-    return status != 0 ? status : flushed;
+    return status != 0 ? status : std::min(removed, flushed);
 }
 
 }  // namespace vak

@@ -1,8 +1,8 @@
 // What the state eraser does to single blocks.
 #pragma once
 
+#include <array>
 #include <cstdint>
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -27,6 +27,10 @@ Group group_with(const ErasableBlock&, const char* dataset);
 
 // False for a block that an external link brings in: another file's blocks are not ours to erase.
 bool is_of_this_file(const ErasableBlock&);
+
+// The same for each path that leads to the block.
+using ObjectToken = std::array<uint8_t, H5O_MAX_TOKEN_SIZE>;
+ObjectToken token_of(const ErasableBlock&);
 
 // The index rows of the block's states, one for a block of a single state; none where it has no index.
 struct IndexRows {

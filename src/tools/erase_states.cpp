@@ -3,7 +3,7 @@
 #include <array>
 #include <cstdio>
 #include <ctime>
-#include <numeric>
+#include <set>
 
 #include "catalogue/guarded_links.h"
 #include "catalogue/quiet_attribute.h"
@@ -42,6 +42,7 @@ struct Cut {
 struct Plan {
     std::vector<ErasableBlock> blocks;  // of single states
     std::vector<Cut> series;
+    std::set<ObjectToken> cut;  // several paths may lead to one series, whose states go once
 };
 
 void print_banner(const Run& run)
@@ -153,11 +154,14 @@ int32_t check_index(const Run& run)
     return status == 0 ? 0 : read_error("indices", 1, status);
 }
 
-int32_t write_time(const Group& group, const char* name, const char* format)
+ErasableBlock erasable(const Run& run, int32_t number)
 {
-    const std::time_t now = std::time(nullptr);
-    std::tm local{};
-    localtime_r(&now, &local);
+    const ListedBlock& listed = run.file.blocks[static_cast<size_t>(number)];
+    return {run.family, run.root, listed.key, listed.path};
+}
+
+int32_t write_time(const Group& group, const char* name, const char* format, const std::tm& local)
+{
     char text[16]{};
     std::strftime(text, sizeof text, format, &local);
     return VAK_H5Awrite(name, text, text_type, 8, 8, nullptr, 0, group.get());
@@ -166,11 +170,16 @@ int32_t write_time(const Group& group, const char* name, const char* format)
 int32_t stamp_system(const Run& run)
 {
     const auto blocks = blocks_with_key(run.file, 10);
-    if (blocks.empty()) return warn_of_missing("system"), 0;
+    const auto own =
+        std::ranges::find_if(blocks, [&](int32_t number) { return is_of_this_file(erasable(run, number)); });
+    if (own == blocks.end()) return warn_of_missing("system"), 0;
     if (blocks.size() > 1) warn_of_several("system");
-    const Group group = open_block(run, blocks[0]);
-    const int32_t status = write_time(group, "mdate", "%Y%m%d");
-    return status != 0 ? status : write_time(group, "mtime", "%H%M%S  ");
+    const Group group = open_block(run, *own);
+    const std::time_t now = std::time(nullptr);
+    std::tm local{};
+    localtime_r(&now, &local);
+    const int32_t status = write_time(group, "mdate", "%Y%m%d", local);
+    return status != 0 ? status : write_time(group, "mtime", "%H%M%S  ", local);
 }
 
 // Compared entry by entry over the shorter list; equal that far is kept.
@@ -210,6 +219,7 @@ int32_t plan_series(const Run& run, const SeriesKind& kind, const ErasableBlock&
     if (rows.status != 0) return read_error(kind.type, 1, rows.status);
     std::vector<hsize_t> kept = kept_states(rows, run.index);
     if (kept.size() == rows.size()) return 0;
+    if (!kept.empty() && !plan.cut.insert(token_of(block)).second) return 0;
     if (const int32_t status = check_states(block, kept); status != 0)
         return read_error(kind.type, 2, status);
     plan.series.push_back({block, std::move(kept)});
@@ -218,10 +228,9 @@ int32_t plan_series(const Run& run, const SeriesKind& kind, const ErasableBlock&
 
 int32_t plan_block(const Run& run, int32_t number, Plan& plan)
 {
-    const ListedBlock& listed = run.file.blocks[static_cast<size_t>(number)];
-    const ErasableBlock block{run.family, run.root, listed.key, listed.path};
-    if (listed.key == header_key || !is_of_this_file(block)) return 0;
-    if (const SeriesKind* kind = series_kind(listed.key)) return plan_series(run, *kind, block, plan);
+    const ErasableBlock block = erasable(run, number);
+    if (block.key == header_key || !is_of_this_file(block)) return 0;
+    if (const SeriesKind* kind = series_kind(block.key)) return plan_series(run, *kind, block, plan);
     const IndexRows row = read_index_row(block);
     if (row.status != 0) return read_error(type_of(run, number).c_str(), 1, row.status);
     if (row.size() > 0 && lies_after(row.values.data(), row.width, run.index)) plan.blocks.push_back(block);
@@ -259,15 +268,20 @@ int32_t erase_single_states(const Run& run, const Plan& plan)
     return flush(run);
 }
 
-int32_t cut(const Run& run, const SeriesKind& kind, const Cut& c)
+int32_t erase_series(const Run& run, const ErasableBlock& block)
 {
-    if (c.kept.empty()) {
-        const int32_t status = erase_block(run, c.block);
-        return status != 0 ? status : flush(run);
-    }
+    if (!is_of_this_file(block)) return 0;  // gone already
+    const int32_t status = erase_block(run, block);
+    return status != 0 ? status : flush(run);
+}
+
+int32_t rewrite(const Run& run, const SeriesKind& kind, const Cut& c)
+{
     const int32_t status = keep_states(c.block, c.kept);
     if (status != 0)
         std::fprintf(stderr, "\nVAK ERROR writing \"%s\" block - error code = %d\n", kind.type, status);
+    else if (run.verbose > 1)
+        std::printf(" block \"%s\" deleted \n", c.block.path.c_str());  // the one that was replaced
     return status;
 }
 
@@ -282,8 +296,9 @@ int32_t cut_series(const Run& run, const Plan& plan, const SeriesKind& kind)
     int32_t rewritten = 0;
     for (const Cut& c : plan.series) {
         if (series_kind(c.block.key) != &kind) continue;
-        if (const int32_t status = cut(run, kind, c); status != 0) return status;
-        ++rewritten;
+        const int32_t status = c.kept.empty() ? erase_series(run, c.block) : rewrite(run, kind, c);
+        if (status != 0) return status;
+        if (!c.kept.empty()) ++rewritten;
     }
     // Files of solvers have series of entity results; the other kinds are told of where there are any.
     if (run.verbose > 0 && (&kind == series_kinds || has_blocks_of(run, kind)))
@@ -309,8 +324,11 @@ int32_t erase_states(Run run)
         std::fprintf(stderr, "\nVAK ERROR - no VAK blocks found - error code = %d\n", -1);
         return -1;
     }
-    // Blocks that were not found could not be cut back with the others.
-    if (run.file.status != 0) return read_error("vakblock", 1, run.file.status);
+    if (run.file.status != 0) {
+        std::fprintf(stderr, "\nVAK ERROR - not all VAK blocks could be listed - error code = %d\n",
+                     run.file.status);
+        return -1;
+    }
     if (run.verbose > 0)
         std::printf(" Info    : %d VAK blocks found\n", static_cast<int>(run.file.blocks.size()));
     check_sets(run);
