@@ -96,13 +96,21 @@ void widen(MergedColumn& merged, const MergedColumn& other, bool rows)
     for (size_t i = 0; i < merged.row.size(); ++i) merged.row[i] = std::max(merged.row[i], other.row[i]);
 }
 
-// The extents of one row by the block's own counts.
-Extents row_of(const Join& join, const SourceBlock& source, const Column& c, const Stored& s)
+// The length of lists of which another column tells the counts; those were checked before.
+hsize_t total_of(const Join& join, SourceBlock& source, const Column& c)
 {
-    if (c.as_stored) {
-        const auto rows = s.dims.begin() + (has_rows(c) && !s.dims.empty() ? 1 : 0);
-        return {rows, s.dims.end()};
-    }
+    const Column& of = *std::ranges::find(join.kind.columns, std::string_view(c.total_of), &Column::name);
+    std::vector<char> counts;
+    if (source.read(of, sizeof(int32_t), source.stored(of).dims, counts) != 0) return impossible_length;
+    const auto n = static_cast<int64_t>(counts.size() / sizeof(int32_t));
+    return static_cast<hsize_t>(total(reinterpret_cast<const int32_t*>(counts.data()), n));
+}
+
+// The extents of one row by the block's own counts.
+Extents row_of(const Join& join, SourceBlock& source, const Column& c, const Stored& s)
+{
+    if (c.total_of != nullptr) return {total_of(join, source, c)};
+    if (c.may_lack_row && s.dims.size() == 1) return {};
     Extents row;
     for (const char* const name : c.row)
         if (name != nullptr)
@@ -156,63 +164,7 @@ int32_t find_columns(Join& join)
     return 0;
 }
 
-// ---- the attributes: the lowest file's in their order, with the counts of the merged block
-
-int32_t merged_count(const Join& join, std::string_view name, int32_t value)
-{
-    if (name == join.kind.count) return static_cast<int32_t>(join.order->size());
-    if (!join.kind.widens) return value;
-    for (const SourceBlock& s : join.sources) {
-        const int32_t other = s.integer_attribute(name.data()).value_or(value);
-        if (name == "length" || name == "nuid") value = std::max(value, other);
-        if (name == "off") value &= other;  // a column is left out when no file has it
-    }
-    return value;
-}
-
-void copy_text(Join& join, Block& io, hid_t group, const char* name)
-{
-    char value[256];
-    size_t size = 0;
-    if (!read_failed(join, VAK_H5Aread(name, value, text_type, sizeof value, nullptr, 0, group, &size)))
-        text(io, name, value);
-}
-
-void copy_integer(Join& join, Block& io, hid_t group, const char* name)
-{
-    int32_t value = 0;
-    size_t size = 0;
-    if (read_failed(join, VAK_H5Aread(name, &value, integer_type, sizeof value, nullptr, 0, group, &size)))
-        return;
-    value = merged_count(join, name, value);
-    integer(io, name, &value);
-}
-
-struct Attributes {
-    Join* join;
-    Block* io;
-};
-
-herr_t copy_attribute(hid_t group, const char* name, const H5A_info_t*, void* data) noexcept
-{
-    auto& [join, io] = *static_cast<Attributes*>(data);
-    if (join->kind.is_series && std::string_view(name) == "nstate") return 0;  // written last
-    const Attribute attribute(H5Aopen(group, name, H5P_DEFAULT));
-    const Type stored(H5Aget_type(attribute.get()));
-    if (H5Tget_class(stored.get()) == H5T_STRING)
-        copy_text(*join, *io, group, name);
-    else
-        copy_integer(*join, *io, group, name);
-    return io->stopped || join->read_status != 0 ? -1 : 0;
-}
-
-void write_attributes(Join& join, Block& io)
-{
-    Attributes attributes{&join, &io};
-    hsize_t at = 0;
-    enter(io, "header");
-    H5Aiterate2(join.ruling().attributes(), H5_INDEX_NAME, H5_ITER_NATIVE, &at, copy_attribute, &attributes);
-}
+// ---- the block
 
 void write_nstate(const Join& join, Block& io)
 {
@@ -220,8 +172,6 @@ void write_nstate(const Join& join, Block& io)
     enter(io, "header");
     integer(io, "nstate", &nstate);
 }
-
-// ---- the block
 
 bool refuse_existing(const Join& join)
 {

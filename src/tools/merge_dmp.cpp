@@ -79,6 +79,15 @@ int32_t check_lists(const Merge& merge)
     return 0;
 }
 
+// HDF5 takes changes of a file that is open for reading, and fails to write them on closing it.
+int32_t check_target(const Merge& merge)
+{
+    const File file(H5Iget_file_id(merge.target));
+    unsigned intent = 0;
+    const bool is_writable = H5Fget_intent(file.get(), &intent) >= 0 && (intent & H5F_ACC_RDWR);
+    return is_writable ? 0 : write_failed("vakblock", -1);
+}
+
 int32_t flush_target(const Merge& merge)
 {
     return H5Fflush(merge.target, H5F_SCOPE_GLOBAL) >= 0 ? 0 : write_failed("vakblock", -1);
@@ -92,6 +101,7 @@ int32_t run(Merge& merge)
     for (const Domain& domain : merge.domains)
         if (merge.level > 0) print_block_types(domain.list, KeyFrame::above);
     if (const int32_t status = check_lists(merge); status != 0) return status;
+    if (const int32_t status = check_target(merge); status != 0) return status;
     if (const int32_t status = check_versions(merge); status != 0) return status;
     if (merge.level > 0) std::printf("\n Start file merge\n\n");
     if (const int32_t status = copy_shared_blocks(merge); status != 0) return status;

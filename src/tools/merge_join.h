@@ -44,6 +44,9 @@ bool has_rows(const Column&);                 // an axis of entities
 // Notes a read that failed, and tells so.
 bool read_failed(Join&, int32_t status);
 
+// Writes the attributes of the merged block, "nstate" of a series excepted, which comes last.
+void write_attributes(Join&, Block&);
+
 // Writes a column of the merged block, reading it from the sources.
 void write_column(Join&, Block&, const MergedColumn&);
 

@@ -15,10 +15,11 @@ constexpr Column integer_row(const char* name, const char* width = nullptr)
     return {name, integer_type, Role::row, {width}};
 }
 
-// Legacy.
-constexpr Column unit(const char* name, int32_t type, const char* n = nullptr)
+// Legacy: units of each real parameter, one list after the other, and how many each has.
+constexpr Column unit_counts(const char* name) { return {name, integer_type, Role::common, {"nbfloat"}}; }
+constexpr Column unit_list(const char* name, int32_t type, const char* counts)
 {
-    return {.name = name, .type = type, .role = Role::common, .row = {n}, .as_stored = n == nullptr};
+    return {.name = name, .type = type, .role = Role::common, .total_of = counts};
 }
 
 constexpr Column connectivity_columns[] = {indexident,
@@ -26,12 +27,12 @@ constexpr Column connectivity_columns[] = {indexident,
                                            {"idele", integer_type, Role::ids},
                                            integer_row("pid"),
                                            integer_row("ic", "npele"),
-                                           unit("mbunit", integer_type, "nbfloat"),
-                                           unit("mdunit", integer_type, "nbfloat"),
-                                           unit("ubid", integer_type),
-                                           unit("ubexp", real_type),
-                                           unit("udid", integer_type),
-                                           unit("udexp", real_type),
+                                           unit_counts("mbunit"),
+                                           unit_counts("mdunit"),
+                                           unit_list("ubid", integer_type, "mbunit"),
+                                           unit_list("ubexp", real_type, "mbunit"),
+                                           unit_list("udid", integer_type, "mdunit"),
+                                           unit_list("udexp", real_type, "mdunit"),
                                            integer_row("iparam", "nbint"),
                                            {"fparam", real_type, Role::row, {"nbfloat"}}};
 constexpr Names connectivities_agree[] = {"npele", "ndim", "nbint", "nbfloat"};
@@ -64,8 +65,12 @@ constexpr Column property_columns[] = {indexident,
 constexpr Names properties_agree[] = {"nbid", "nbint", "nbfloat", "nbstring", "length"};
 
 constexpr Column fidglob{"fidglob", integer_type, Role::common};
-// One frame for each entity, or for each of an element's locations.
-constexpr Column fid{.name = "fid", .type = integer_type, .role = Role::row, .as_stored = true};
+constexpr Column fid{"fid", integer_type, Role::row};
+constexpr Column element_fid{.name = "fid",
+                             .type = integer_type,
+                             .role = Role::row,
+                             .row = {"numl"},
+                             .may_lack_row = true};  // one frame for each location, or for each element
 constexpr Column operators{"operator", text_type, Role::common, {"ncoo"}};
 constexpr Column weight{"weight", real_type, Role::weight};
 
@@ -73,10 +78,10 @@ constexpr Column idele{"idele", integer_type, Role::ids};
 constexpr Column eloc{"eloc", real_type, Role::common, {"numl", "ndim"}};
 constexpr Column element_values{
     .name = "res", .type = real_type, .role = Role::values, .row = {"numl", "ncoo"}, .is_lossy = true};
-constexpr Column element_columns[] = {indexident, indexval, idele, fidglob,       fid,
+constexpr Column element_columns[] = {indexident, indexval, idele, fidglob,       element_fid,
                                       operators,  weight,   eloc,  element_values};
-constexpr Column element_series_columns[] = {idele, fidglob,    fid,      operators,     weight,
-                                             eloc,  indexident, indexval, element_values};
+constexpr Column element_series_columns[] = {idele, fidglob,    element_fid, operators,     weight,
+                                             eloc,  indexident, indexval,    element_values};
 constexpr Names elements_agree[] = {"block", "ncoo", "numl", "ndim", "fswitch", "dmpswitch"};
 
 constexpr Column entity_columns[] = {

@@ -25,7 +25,8 @@ struct Column {
     Role role;
     std::array<const char*, 2> row{};  // the attributes that give the extents of one row
     bool is_lossy = false;             // its writer keeps the scale-offset bit
-    bool as_stored = false;            // the extents of its rows follow from other arrays
+    const char* total_of = nullptr;    // or the column whose sum is its extent
+    bool may_lack_row = false;         // stored without that extent as well
 };
 
 enum class Way {

@@ -27,6 +27,7 @@ protected:
         return domains_.back();
     }
     hid_t create_domain() { return create("domain" + std::to_string(made_++) + ".h5"); }
+    void forget_last() { domains_.pop_back(); }
     void adopt(hid_t domain) { domains_.push_back(domain); }
 
     hid_t target() const { return file; }

@@ -1,0 +1,116 @@
+// The attributes of a merged block: the lowest file's in their order, with the counts of the merged block.
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <string_view>
+
+#include "tools/merge_join.h"
+
+namespace vak {
+
+namespace {
+
+int32_t merged_count(const Join& join, std::string_view name, int32_t value)
+{
+    if (name == join.kind.count) return static_cast<int32_t>(join.order->size());
+    if (!join.kind.widens) return value;
+    for (const SourceBlock& s : join.sources) {
+        const int32_t other = s.integer_attribute(name.data()).value_or(value);
+        if (name == "length" || name == "nuid") value = std::max(value, other);
+        if (name == "off") value &= other;  // a column is left out when no file has it
+    }
+    return value;
+}
+
+void copy_text(Join& join, Block& io, hid_t group, const char* name)
+{
+    char value[256];
+    size_t size = 0;
+    if (!read_failed(join, VAK_H5Aread(name, value, text_type, sizeof value, nullptr, 0, group, &size)))
+        text(io, name, value);
+}
+
+void copy_integer(Join& join, Block& io, hid_t group, const char* name)
+{
+    int32_t value = 0;
+    size_t size = 0;
+    if (read_failed(join, VAK_H5Aread(name, &value, integer_type, sizeof value, nullptr, 0, group, &size)))
+        return;
+    value = merged_count(join, name, value);
+    integer(io, name, &value);
+}
+
+bool is_text(const Type& stored)
+{
+    return H5Tget_class(stored.get()) == H5T_STRING && H5Tis_variable_str(stored.get()) == 0 &&
+           H5Tget_size(stored.get()) <= 256;
+}
+
+bool is_integer(const Type& stored)
+{
+    return H5Tget_class(stored.get()) == H5T_INTEGER && H5Tget_size(stored.get()) <= sizeof(int32_t);
+}
+
+// Whether the bytes of a value mean the same in another file.
+bool stands_alone(const Type& stored)
+{
+    return H5Tis_variable_str(stored.get()) == 0 && H5Tdetect_class(stored.get(), H5T_VLEN) == 0 &&
+           H5Tdetect_class(stored.get(), H5T_REFERENCE) == 0;
+}
+
+bool copy_bytes(hid_t to, const Attribute& from, const Type& stored, const char* name)
+{
+    constexpr hsize_t largest = 65536;  // HDF5's limit for an attribute beside an object
+    const hsize_t bytes = H5Aget_storage_size(from.get());
+    if (bytes > largest || !stands_alone(stored)) return false;
+    std::array<char, largest> value;
+    const Space space(H5Aget_space(from.get()));
+    Attribute made(H5Acreate2(to, name, stored.get(), space.get(), H5P_DEFAULT, H5P_DEFAULT));
+    if (bytes == 0) return made.valid();
+    return H5Aread(from.get(), stored.get(), value.data()) >= 0 &&
+           H5Awrite(made.get(), stored.get(), value.data()) >= 0 && made.close();
+}
+
+// An attribute that no writer of ours has made is kept where it can be.
+void copy_foreign(Block& io, const Attribute& from, const char* name)
+{
+    if (io.stopped) return;
+    const Type stored(H5Aget_type(from.get()));
+    if (!copy_bytes(current_group(io), from, stored, name))
+        std::fprintf(stderr, "VAK WARNING target file: attribute \"%s\" of a \"%s\" block is left out\n",
+                     name, io.kind.type);
+}
+
+struct Attributes {
+    Join* join;
+    Block* io;
+};
+
+herr_t copy_attribute(hid_t group, const char* name, const H5A_info_t*, void* data) noexcept
+{
+    auto& [join, io] = *static_cast<Attributes*>(data);
+    if (join->kind.is_series && std::string_view(name) == "nstate") return 0;  // written last
+    const Attribute attribute(H5Aopen(group, name, H5P_DEFAULT));
+    const Type stored(H5Aget_type(attribute.get()));
+    const Space space(H5Aget_space(attribute.get()));
+    const bool is_one = H5Sget_simple_extent_type(space.get()) == H5S_SCALAR;
+    if (is_one && is_text(stored))
+        copy_text(*join, *io, group, name);
+    else if (is_one && is_integer(stored))
+        copy_integer(*join, *io, group, name);
+    else
+        copy_foreign(*io, attribute, name);
+    return io->stopped || join->read_status != 0 ? -1 : 0;
+}
+
+}  // namespace
+
+void write_attributes(Join& join, Block& io)
+{
+    Attributes attributes{&join, &io};
+    hsize_t at = 0;
+    enter(io, "header");
+    H5Aiterate2(join.ruling().attributes(), H5_INDEX_NAME, H5_ITER_NATIVE, &at, copy_attribute, &attributes);
+}
+
+}  // namespace vak

@@ -1,0 +1,129 @@
+// The order of the merged entities: against the plainest way of finding it, on identifiers of every kind.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <limits>
+#include <map>
+#include <random>
+#include <set>
+
+#include "tools/merge_order.h"
+
+using namespace vak;
+
+namespace {
+
+constexpr int32_t lowest = std::numeric_limits<int32_t>::min(), highest = std::numeric_limits<int32_t>::max();
+
+// Checks everything an order tells.
+void expect_order(const std::vector<Ids>& sources)
+{
+    const Order order = order_of(sources);
+    std::map<int32_t, int> rows;  // how many rows go to an identifier
+    for (const Ids& source : sources)
+        for (const int32_t id : source) ++rows[id];
+
+    ASSERT_EQ(order.size(), rows.size());
+    size_t at = 0;
+    std::vector<int32_t> shared;
+    for (const auto& [id, n] : rows) {
+        EXPECT_EQ(order.ids[at], id);
+        if (n > 1) shared.push_back(static_cast<int32_t>(at));
+        ++at;
+    }
+    EXPECT_EQ(order.shared, shared);
+
+    ASSERT_EQ(order.place.size(), sources.size());
+    ASSERT_EQ(order.shared_rows.size(), sources.size());
+    ASSERT_EQ(order.repeats.size(), sources.size());
+    for (size_t s = 0; s < sources.size(); ++s) {
+        ASSERT_EQ(order.place[s].size(), sources[s].size());
+        std::vector<SharedRow> expected;
+        for (size_t i = 0; i < sources[s].size(); ++i) {
+            const int32_t row = order.place[s][i];
+            EXPECT_EQ(order.ids.at(static_cast<size_t>(row)), sources[s][i]);
+            const auto slot = std::ranges::find(shared, row);
+            if (slot != shared.end())
+                expected.push_back({static_cast<int32_t>(i), static_cast<int32_t>(slot - shared.begin())});
+        }
+        ASSERT_EQ(order.shared_rows[s].size(), expected.size());
+        for (size_t i = 0; i < expected.size(); ++i) {
+            EXPECT_EQ(order.shared_rows[s][i].row, expected[i].row);
+            EXPECT_EQ(order.shared_rows[s][i].slot, expected[i].slot);
+        }
+        const std::set<int32_t> distinct(sources[s].begin(), sources[s].end());
+        EXPECT_EQ(order.repeats[s], distinct.size() < sources[s].size());
+    }
+}
+
+TEST(MergeOrder, of_nothing_is_empty)
+{
+    expect_order({});
+    expect_order({{}});
+    expect_order({{}, {}, {}});
+}
+
+TEST(MergeOrder, of_one_identifier_is_that_identifier)
+{
+    for (const int32_t id : {0, -1, 1, lowest, highest}) {
+        expect_order({{id}});
+        expect_order({{}, {id}, {id}});
+    }
+}
+
+TEST(MergeOrder, spans_the_whole_range_of_identifiers)
+{
+    expect_order({{highest, lowest}, {0, highest}, {lowest}});
+    expect_order({{lowest, lowest + 1}, {lowest + 2, lowest}});
+    expect_order({{highest, highest - 1}, {highest - 2, highest}});
+}
+
+TEST(MergeOrder, notices_an_identifier_that_stands_twice_in_a_file)
+{
+    expect_order({{7, 3, 7}, {3}});
+    expect_order({{1}, {2, 2}});
+}
+
+// Dense and sparse ranges take different ways; both sides of the line between them.
+TEST(MergeOrder, is_that_of_a_plain_sort_on_any_identifiers)
+{
+    std::mt19937 random(20240229);
+    for (const int64_t span : {3LL, 50LL, 1000LL, 65000LL, 66000LL, 70000LL, 1000000LL, 4294967295LL}) {
+        for (int round = 0; round < 12; ++round) {
+            const int64_t low =
+                std::uniform_int_distribution<int64_t>(lowest, static_cast<int64_t>(highest) - span)(random);
+            std::uniform_int_distribution<int64_t> id(low, low + span);
+            std::vector<Ids> sources(std::uniform_int_distribution<size_t>(1, 6)(random));
+            for (Ids& source : sources) {
+                source.resize(std::uniform_int_distribution<size_t>(0, 60)(random));
+                for (int32_t& value : source) value = static_cast<int32_t>(id(random));
+            }
+            SCOPED_TRACE("span " + std::to_string(span) + ", round " + std::to_string(round));
+            expect_order(sources);
+            if (HasFatalFailure()) return;
+        }
+    }
+}
+
+TEST(MergeOrder, is_found_once_for_the_same_tables)
+{
+    OrderCache cache;
+    const std::vector<Ids> tables{{1, 2}, {2, 3}};
+    const auto first = cache.find(std::vector<Ids>(tables));
+    EXPECT_EQ(cache.find(std::vector<Ids>(tables)), first);
+    const auto other = cache.find({{2, 1}, {2, 3}});
+    EXPECT_NE(other, first);
+    EXPECT_EQ(other->place[0], (std::vector<int32_t>{1, 0}));
+    EXPECT_EQ(cache.find(std::vector<Ids>(tables)), first);
+}
+
+TEST(MergeOrder, forgets_the_tables_that_were_not_used_for_longest)
+{
+    OrderCache cache;
+    const auto first = cache.find({{0}});
+    for (int32_t id = 1; id < 20; ++id) EXPECT_EQ(cache.find({{id}})->ids, (Ids{id}));
+    EXPECT_EQ(first->ids, (Ids{0}));
+    EXPECT_NE(cache.find({{0}}), first);
+}
+
+}  // namespace
