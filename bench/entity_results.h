@@ -14,11 +14,12 @@ public:
     void go_to(int32_t number);
     void write(const File& file);
     void read(const File& file, int32_t pass);
-    void write_plainly(hid_t file) { plain::write_block(file, path(), fields_); }
-    void read_plainly(hid_t file) { plain::read_block(file, path(), fields_); }
-    void read_attributes_plainly(hid_t file) { plain::read_attributes(file, path(), fields_); }
+    void write_plainly(hid_t file) { plain::write_block(file, path(), fields_, care); }
+    void read_plainly(hid_t file) { plain::read_block(file, path(), fields_, care); }
+    void read_attributes_plainly(hid_t file) { plain::read_attributes(file, path(), fields_, care); }
 
     std::vector<float> res;
+    plain::Care care = plain::Care::knows;
 
 private:
     std::string path() const { return state_path(state_, "entityresults/NODE/DISPLACEMENT"); }

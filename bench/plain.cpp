@@ -111,20 +111,43 @@ void ask_filters(hid_t dataset)
     H5Pclose(list);
 }
 
-void read_attribute(hid_t group, const Field& f, hid_t type)
+bool is_there(hid_t group, const Field& f)
+{
+    return (f.attribute ? H5Aexists(group, f.name) : H5Lexists(group, f.name, H5P_DEFAULT)) > 0;
+}
+
+// Of a field that was found; closes its type.
+void check_type(hid_t found, hid_t type, const Field& f)
+{
+    must(H5Tget_class(found) == H5Tget_class(type) && H5Tget_size(found) <= H5Tget_size(type) ? 0 : -1,
+         f.name);
+    H5Tclose(found);
+}
+
+void read_attribute(hid_t group, const Field& f, hid_t type, Care care)
 {
     const hid_t attribute = H5Aopen(group, f.name, H5P_DEFAULT);
+    if (care == Care::asks) check_type(H5Aget_type(attribute), type, f);
     must(H5Aread(attribute, type, f.data), f.name);
     H5Aclose(attribute);
 }
 
-void read_dataset(hid_t group, const Field& f, hid_t type)
+void read_dataset(hid_t group, const Field& f, hid_t type, Care care)
 {
     const hid_t dataset = H5Dopen2(group, f.name, H5P_DEFAULT);
+    if (care == Care::asks) check_type(H5Dget_type(dataset), type, f);
     check_extents(dataset, f);
     ask_filters(dataset);
     must(H5Dread(dataset, type, H5S_ALL, H5S_ALL, H5P_DEFAULT, f.data), f.name);
     H5Dclose(dataset);
+}
+
+void read_carefully(hid_t group, const Field& f, Care care)
+{
+    if (care == Care::asks) must(is_there(group, f) ? 0 : -1, f.name);
+    const hid_t type = type_of(f);
+    f.attribute ? read_attribute(group, f, type, care) : read_dataset(group, f, type, care);
+    H5Tclose(type);
 }
 
 hid_t memory_space(const Field& f, const Extents& count)
@@ -225,32 +248,30 @@ void rewrite(hid_t group, const Field& f)
     H5Tclose(type);
 }
 
-void read(hid_t group, const Field& f)
-{
-    const hid_t type = type_of(f);
-    f.attribute ? read_attribute(group, f, type) : read_dataset(group, f, type);
-    H5Tclose(type);
-}
+void read(hid_t group, const Field& f) { read_carefully(group, f, Care::knows); }
 
-void write_block(hid_t file, const std::string& path, const std::vector<Field>& fields)
+void write_block(hid_t file, const std::string& path, const std::vector<Field>& fields, Care care)
 {
     const hid_t group = make_groups(file, path);
-    for (const Field& f : fields) write(group, f);
+    for (const Field& f : fields) {
+        if (care == Care::asks) must(is_there(group, f) ? -1 : 0, f.name);
+        write(group, f);
+    }
     H5Gclose(group);
 }
 
-void read_block(hid_t file, const std::string& path, const std::vector<Field>& fields)
+void read_block(hid_t file, const std::string& path, const std::vector<Field>& fields, Care care)
 {
     const hid_t group = H5Gopen2(file, path.c_str(), H5P_DEFAULT);
-    for (const Field& f : fields) read(group, f);
+    for (const Field& f : fields) read_carefully(group, f, care);
     H5Gclose(group);
 }
 
-void read_attributes(hid_t file, const std::string& path, const std::vector<Field>& fields)
+void read_attributes(hid_t file, const std::string& path, const std::vector<Field>& fields, Care care)
 {
     const hid_t group = H5Gopen2(file, path.c_str(), H5P_DEFAULT);
     for (const Field& f : fields)
-        if (f.attribute) read(group, f);
+        if (f.attribute) read_carefully(group, f, care);
     H5Gclose(group);
 }
 

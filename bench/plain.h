@@ -40,6 +40,10 @@ Field long_integers(const char* name, std::vector<hsize_t> dims, int64_t* data);
 Field reals(const char* name, std::vector<hsize_t> dims, float* data, Filters filters = {});
 Field texts(const char* name, size_t length, hsize_t n, char* data, Filters filters = {});
 
+// A program that knows what a file holds can leave out what one asks that does not: whether a field is there
+// before it is written or read, and of what class and size it is before it is read.
+enum class Care { knows, asks };
+
 hid_t create_file(const std::string& name);
 hid_t open_file(const std::string& name);
 void close_file(hid_t file);
@@ -53,9 +57,11 @@ void rewrite(hid_t group, const Field& field);
 // Reads after a check of the extents, and asks for the filters.
 void read(hid_t group, const Field& field);
 
-void write_block(hid_t file, const std::string& path, const std::vector<Field>& fields);
-void read_block(hid_t file, const std::string& path, const std::vector<Field>& fields);
-void read_attributes(hid_t file, const std::string& path, const std::vector<Field>& fields);
+void write_block(hid_t file, const std::string& path, const std::vector<Field>& fields,
+                 Care care = Care::knows);
+void read_block(hid_t file, const std::string& path, const std::vector<Field>& fields,
+                Care care = Care::knows);
+void read_attributes(hid_t file, const std::string& path, const std::vector<Field>& fields, Care care);
 
 using Extents = std::array<hsize_t, 3>;
 
