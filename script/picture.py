@@ -72,7 +72,7 @@ def draw(axes, models, values_of, limits, apart):
     for model in models[1:]:
         lower, upper = np.minimum(lower, model.points.min(axis=0)), np.maximum(upper, model.points.max(axis=0))
     middle = (lower + upper) / 2
-    colours = matplotlib.cm.get_cmap("viridis")
+    colours = pyplot.get_cmap("viridis")
     for model in models:
         shift = apart * (model.points.mean(axis=0) - middle)
         faces, row = model.skin()
