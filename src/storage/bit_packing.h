@@ -5,6 +5,7 @@
 #pragma once
 
 #include <algorithm>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -62,16 +63,35 @@ void pack_block(const Code* codes, size_t count, unsigned bits, unsigned char* t
     writer.finish();
 }
 
-// The bits from the given one on, as the upper end of a word; the lower 7 may be missing.
-inline uint64_t word_at(const unsigned char* from, size_t bit)
+inline uint64_t highest_first(const unsigned char* from)
 {
-    const unsigned char* p = from + bit / 8;
-    uint64_t word = 0;
-    for (unsigned i = 0; i < 8; ++i) word |= static_cast<uint64_t>(p[i]) << (56 - 8 * i);
-    return word << bit % 8;
+    uint64_t word;
+    std::memcpy(&word, from, sizeof word);
+    return std::endian::native == std::endian::little ? __builtin_bswap64(word) : word;
 }
 
-// count <= block_length, bits below those of Code; reads packed_bytes(count, bits) bytes.
+// Where each of eight neighbours begins; together they fill whole bytes.
+struct Neighbours {
+    Neighbours(unsigned bits, unsigned skipped)
+    {
+        for (unsigned i = 0; i < 8; ++i) {
+            byte[i] = (i * bits + skipped) / 8;
+            shift[i] = (i * bits + skipped) % 8;
+        }
+    }
+
+    // The bits from there on as the upper end of a word; the lower 7 may be missing.
+    uint64_t word(const unsigned char* from, unsigned i) const
+    {
+        return highest_first(from + byte[i]) << shift[i];
+    }
+
+    unsigned byte[8];
+    unsigned shift[8];
+};
+
+// `codes` has room for a whole block; `bits` are fewer than those of Code. Reads packed_bytes(count, bits)
+// bytes.
 template <class Code>
 void unpack_block(const unsigned char* from, size_t count, unsigned bits, Code* codes)
 {
@@ -79,19 +99,23 @@ void unpack_block(const unsigned char* from, size_t count, unsigned bits, Code* 
         std::fill_n(codes, count, Code{0});
         return;
     }
-    unsigned char padded[block_length * sizeof(Code) + sizeof(uint64_t)];  // words reach behind the end
+    // Eights are completed, and words reach behind the end.
+    unsigned char padded[block_length * sizeof(Code) + sizeof(uint64_t)];
     const size_t size = packed_bytes(count, bits);
+    const size_t eights = (count + 7) / 8;
     std::memcpy(padded, from, size);
-    std::memset(padded + size, 0, sizeof(uint64_t));
-    if (bits <= 32) {
-        for (size_t i = 0; i < count; ++i)
-            codes[i] = static_cast<Code>(word_at(padded, i * bits) >> (64 - bits));
-    } else {
-        const unsigned high = bits - 32;
-        for (size_t i = 0; i < count; ++i) {
-            const size_t bit = i * bits;
-            const uint64_t upper = word_at(padded, bit) >> (64 - high);
-            codes[i] = static_cast<Code>(upper << 32 | word_at(padded, bit + high) >> 32);
+    std::memset(padded + size, 0, eights * bits + sizeof(uint64_t) - size);
+    const unsigned upper = bits > 32 ? bits - 32 : 0;
+    const Neighbours first(bits, 0);
+    const Neighbours last(bits, upper);
+    for (size_t n = 0; n < eights; ++n) {
+        const unsigned char* p = padded + n * bits;
+        Code* to = codes + n * 8;
+        if (upper == 0) {
+            for (unsigned i = 0; i < 8; ++i) to[i] = static_cast<Code>(first.word(p, i) >> (64 - bits));
+        } else {
+            for (unsigned i = 0; i < 8; ++i)
+                to[i] = static_cast<Code>(first.word(p, i) >> (64 - upper) << 32 | last.word(p, i) >> 32);
         }
     }
 }

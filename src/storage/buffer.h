@@ -19,6 +19,8 @@ public:
         return bytes_.get();
     }
 
+    bool holds(const unsigned char* bytes) const { return bytes == bytes_.get(); }
+
 private:
     std::unique_ptr<unsigned char[]> bytes_;
     size_t size_ = 0;

@@ -85,9 +85,24 @@ struct BoxMove {
     Buffer buffer{};
 };
 
+// Whether the values of a chunk must not be rounded now, so that none is rounded twice: more can be added to
+// it, or what is written is not `all` of it, and what stands beside that was rounded before or may be changed
+// again.
+bool must_stay_exact(const ChunkTransfer& t, const ChunkedDataset& chunks, const Extents& corner, bool all)
+{
+    bool grows = false;
+    for (size_t i = 0; i < chunks.rank(); ++i) {
+        if (t.maximum[i] != H5S_UNLIMITED) continue;
+        if (corner[i] + chunks.chunk()[i] > chunks.extents()[i]) return true;
+        grows = true;
+    }
+    const bool completed = grows && !t.is_new(corner) && chunks.was_exact();
+    return !all && !completed;
+}
+
 bool write_one(BoxMove& m, const Overlap& o, const unsigned char* data)
 {
-    const bool is_new = m.transfer.is_new;
+    const bool is_new = m.transfer.is_new(o.corner);
     if (m.matches(o)) return m.chunks.write(o.corner, data + m.offset(o), false, is_new);
     unsigned char* values = m.buffer.room(m.chunks.chunk_bytes());
     const bool all = m.is_all_there_is(o);

@@ -88,6 +88,11 @@ bool chunks_are_plausible(hid_t dataset, const FoundLayout& found, const Part& p
         std::copy(part.start, part.start + part.rank, start.begin());
         std::transform(part.start, part.start + part.rank, part.count, end.begin(), std::plus<>());
     }
+    // Where the dataset is yet to grow there are no chunks.
+    for (size_t i = 0; i < extents.size(); ++i) {
+        if (start[i] >= extents[i]) return true;
+        end[i] = std::min(end[i], extents[i]);
+    }
     return box_is_plausible(chunks, chunks.corner(start.data()), end);
 }
 

@@ -15,8 +15,8 @@ constexpr size_t most_parameters = 20;
 std::optional<unsigned> step_parameter(H5Z_filter_t id, const unsigned* values, size_t count)
 {
     const unsigned value = count > 0 ? values[0] : 0;
-    if (id == H5Z_FILTER_SHUFFLE && count == 1 && value > 0) return value;
-    if (id == H5Z_FILTER_DEFLATE && count == 1 && value <= 9) return value;
+    if (id == H5Z_FILTER_SHUFFLE && count == 1 && value > 0) return {value};
+    if (id == H5Z_FILTER_DEFLATE && count == 1 && value <= 9) return {value};
     return {};
 }
 
@@ -86,9 +86,9 @@ bool ChunkCodec::encode_step(const FilterStep& step, bool exact, StoredChunk& ch
 std::optional<StoredChunk> ChunkCodec::encode(const unsigned char* values, bool exact)
 {
     StoredChunk chunk{.bytes = values, .size = chunk_size_};
-    size_t turn = 0;
     for (const FilterStep& step : filters_.steps) {
-        if (!encode_step(step, exact, chunk, buffers_[turn++ % 2])) return {};
+        Buffer& to = buffers_[0].holds(chunk.bytes) ? buffers_[1] : buffers_[0];
+        if (!encode_step(step, exact, chunk, to)) return {};
     }
     return chunk;
 }

@@ -15,10 +15,4 @@ bool takes_whole_chunks(const ChunkTransfer& transfer, const ChunkedDataset& chu
 bool write_points(const ChunkTransfer& transfer, ChunkedDataset& chunks, const void* data);
 bool read_points(const ChunkTransfer& transfer, ChunkedDataset& chunks, void* data);
 
-// Whether the values of a chunk must not be rounded now, so that none is rounded twice: more can be added to
-// it, or what is written is not `all` of it, and what stands beside that was rounded before or may be changed
-// again.
-bool must_stay_exact(const ChunkTransfer& transfer, const ChunkedDataset& chunks, const Extents& corner,
-                     bool all);
-
 }  // namespace vak

@@ -56,7 +56,8 @@ bool every_chunk(const PointMove& move, One one)
 bool write_one(PointMove& m, const Extents& corner, Points points, const unsigned char* data)
 {
     unsigned char* values = m.buffer.room(m.chunks.chunk_bytes());
-    if (m.transfer.is_new) {
+    const bool is_new = m.transfer.is_new(corner);
+    if (is_new) {
         m.chunks.fill(values);
     } else if (!m.chunks.read(corner, values)) {
         return false;
@@ -64,8 +65,8 @@ bool write_one(PointMove& m, const Extents& corner, Points points, const unsigne
     const ElementForm form{m.transfer.type, m.transfer.data_size, m.chunks.element_size()};
     for (const hsize_t p : points)
         copy_elements(form, data + p * form.from, values + m.place_in_chunk(p) * form.to, 1);
-    return m.chunks.write(corner, values, must_stay_exact(m.transfer, m.chunks, corner, false),
-                          m.transfer.is_new);
+    // Points are parts of chunks that may be changed again, so none is rounded.
+    return m.chunks.write(corner, values, true, is_new);
 }
 
 bool read_one(PointMove& m, const Extents& corner, Points points, unsigned char* data)

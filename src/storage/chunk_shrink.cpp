@@ -62,7 +62,7 @@ bool keep_cut_chunks(ChunkedDataset& chunks, std::span<const hsize_t> maximum, s
 
 bool shrink_dataset(hid_t dataset, std::span<const hsize_t> extents, std::span<const hsize_t> maximum)
 {
-    ChunkedDataset chunks(dataset, extents);
+    ChunkedDataset chunks(dataset, H5I_INVALID_HID, extents);
     std::vector<KeptChunk> kept;
     if (chunks.is_ours() && chunks.has_scale_offset()) keep_cut_chunks(chunks, maximum, kept);
     bool good = H5Dset_extent(dataset, extents.data()) >= 0;

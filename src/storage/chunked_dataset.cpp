@@ -14,15 +14,19 @@ size_t largest_stored(size_t chunk_bytes) { return chunk_bytes + chunk_bytes / 8
 
 }  // namespace
 
-ChunkedDataset::ChunkedDataset(hid_t dataset, std::span<const hsize_t> extents)
+ChunkedDataset::ChunkedDataset(hid_t dataset, hid_t list, std::span<const hsize_t> extents)
     : dataset_(dataset), type_(H5Dget_type(dataset)), rank_(extents.size())
 {
     std::copy(extents.begin(), extents.end(), extents_.begin());
-    // The dataset's own list: HDF5 completes the filters when it makes a dataset.
-    const Properties list(H5Dget_create_plist(dataset));
-    if (!type_.valid() || !take_layout(list.get())) return;
-    take_fill_value(list.get());
-    auto filters = chunk_filters(list.get(), chunk_bytes_ / element_size_, element_size_);
+    const Properties asked(list >= 0 ? H5I_INVALID_HID : H5Dget_create_plist(dataset));
+    describe(list >= 0 ? list : asked.get());
+}
+
+void ChunkedDataset::describe(hid_t list)
+{
+    if (!type_.valid() || !take_layout(list)) return;
+    take_fill_value(list);
+    auto filters = chunk_filters(list, chunk_bytes_ / element_size_, element_size_);
     if (filters) codec_.emplace(std::move(*filters), chunk_bytes_);
 }
 
@@ -81,9 +85,11 @@ bool ChunkedDataset::read(const Extents& corner, unsigned char* values)
 bool ChunkedDataset::read_stored(const Extents& corner, size_t size, unsigned char* values)
 {
     if (size > largest_stored(chunk_bytes_)) return false;
-    StoredChunk chunk{.bytes = stored_.room(size), .size = size};
-    if (H5Dread_chunk(dataset_, H5P_DEFAULT, corner.data(), &chunk.mask, stored_.room(size)) < 0)
-        return false;
+    const bool as_it_is = !is_filtered() && size == chunk_bytes_;
+    unsigned char* bytes = as_it_is ? values : stored_.room(size);
+    StoredChunk chunk{.bytes = bytes, .size = size};
+    if (H5Dread_chunk(dataset_, H5P_DEFAULT, corner.data(), &chunk.mask, bytes) < 0) return false;
+    if (as_it_is) return true;
     was_exact_ = codec_->is_exact(chunk.mask);
     return codec_->decode(chunk, values);
 }

@@ -11,7 +11,9 @@ namespace vak {
 
 class ChunkedDataset {
 public:
-    ChunkedDataset(hid_t dataset, std::span<const hsize_t> extents);
+    // The list must be the dataset's own, in which HDF5 has completed the filters; without one it is asked
+    // for.
+    ChunkedDataset(hid_t dataset, hid_t list, std::span<const hsize_t> extents);
 
     // Whether it is chunked, and its filters are ones that we handle ourselves; otherwise nothing else holds.
     bool is_ours() const { return codec_.has_value(); }
@@ -43,6 +45,7 @@ public:
     void forget_last_chunk() const;
 
 private:
+    void describe(hid_t list);
     bool take_layout(hid_t list);
     void take_fill_value(hid_t list);
     size_t stored_size(const Extents& corner) const;

@@ -111,7 +111,8 @@ Direct read_by_chunks(const DatasetRead& r, const Source& source)
                         .data_size = r.data_size,
                         .memory_type = r.memory_type,
                         .part = r.part,
-                        .extents = source.shape()},
+                        .extents = source.shape(),
+                        .maximum = {source.maximum.data(), source.rank}},
                        r.data);
 }
 
@@ -146,7 +147,8 @@ int32_t take_first(DatasetRead& r, const Source& source)
 int32_t open_space(DatasetRead& r, Source& source)
 {
     source.space = Space(H5Dget_space(source.dataset.get()));
-    const int rank = H5Sget_simple_extent_dims(source.space.get(), source.extents.data(), nullptr);
+    const int rank =
+        H5Sget_simple_extent_dims(source.space.get(), source.extents.data(), source.maximum.data());
     if (rank < 0) return fail(r, 999, rank);
     source.rank = static_cast<size_t>(rank);
     if (r.part.rank == 0)

@@ -31,6 +31,7 @@ struct Source {
     FoundLayout layout;
     Space space{};
     Extents extents{};
+    Extents maximum{};
     size_t rank = 0;
 
     std::span<const hsize_t> shape() const { return {extents.data(), rank}; }

@@ -150,13 +150,14 @@ Direct write_by_chunks(const DatasetWrite& w, const Target& target)
     if (H5Sget_simple_extent_dims(target.space.get(), extents.data(), nullptr) < 0) return Direct::failed;
     return write_chunks({.dataset = target.dataset.get(),
                          .list = target.list.get(),
+                         .list_is_its_own = !target.is_new,
                          .type = w.type,
                          .data_size = w.data_size,
                          .memory_type = w.memory_type,
                          .part = w.part,
                          .extents = {extents.data(), w.dims.size()},
                          .maximum = {w.maximum.data(), w.dims.size()},
-                         .is_new = target.is_new},
+                         .before = {target.before.data(), w.dims.size()}},
                         w.data);
 }
 

@@ -33,7 +33,7 @@ struct DatasetWrite {
 struct Target {
     Dataset dataset;
     Space space;       // with the extents that it has when the values are written
-    Extents before{};  // the extents of one that existed, before it grew
+    Extents before{};  // the extents before it grew: of a new one all 0
     Type found_type;   // of one that existed; of texts in memory, too
     Properties list;   // with which it was created, where it is filtered or new and chunked
     bool is_new = false;

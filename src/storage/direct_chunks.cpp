@@ -9,7 +9,8 @@
 namespace vak {
 namespace {
 
-// Below this the look at the dataset's layout costs more than HDF5's chunk cache.
+// Below these the look at the dataset's layout costs more than HDF5's filters and its chunk cache.
+constexpr size_t fewest_bytes_filtered = 2048;
 constexpr size_t fewest_bytes_unfiltered = size_t{64} * 1024;
 
 // Whether both sides have elements that we can pass on, in the byte order of this machine.
@@ -25,55 +26,57 @@ bool forms_match(const ChunkTransfer& t, const ChunkedDataset& chunks)
     return H5Tequal(native, chunks.stored_type()) > 0;
 }
 
-bool is_large(const ChunkTransfer& t)
+// The first filter of the dataset, negative where there is none.
+H5Z_filter_t first_filter(const ChunkTransfer& t)
 {
-    return elements_of(t.part.counts(), t.data_size).value_or(0) >= fewest_bytes_unfiltered / t.data_size;
+    if (t.list < 0 || H5Pget_nfilters(t.list) < 1) return H5Z_FILTER_ERROR;
+    unsigned flags = 0;
+    size_t count = 0;
+    return H5Pget_filter2(t.list, 0, &flags, &count, nullptr, 0, nullptr, nullptr);
 }
 
-// Without filters only whole chunks are worth the way: HDF5 writes parts of them where they are.
+bool reaches(std::span<const hsize_t> counts, size_t element_size, size_t bytes)
+{
+    return elements_of(counts, element_size).value_or(0) >= bytes / element_size;
+}
+
+// Scale-offset is never HDF5's. Of datasets without filters those that grow are chunked.
 bool may_pay(const ChunkTransfer& t)
 {
-    if (t.list >= 0 && H5Pget_nfilters(t.list) > 0) return true;
-    return t.part.mode == hyperslab && has_entry(t.maximum, H5S_UNLIMITED) && is_large(t);
+    const H5Z_filter_t filter = first_filter(t);
+    if (filter == H5Z_FILTER_SCALEOFFSET) return true;
+    if (filter >= 0) return reaches(t.extents, t.data_size, fewest_bytes_filtered);
+    return t.part.mode != point_list && has_entry(t.maximum, H5S_UNLIMITED) &&
+           reaches(t.part.counts(), t.data_size, fewest_bytes_unfiltered);
 }
 
 // HDF5 finds its points itself, unless it could not read or must not write their chunks.
+// Without filters only whole chunks are worth the way: HDF5 moves parts of them from where they are.
 bool is_ours(const ChunkTransfer& t, const ChunkedDataset& chunks)
 {
     if (!chunks.is_ours() || !forms_match(t, chunks)) return false;
-    return t.part.mode != point_list || chunks.has_scale_offset();
+    if (t.part.mode == point_list) return chunks.has_scale_offset();
+    return chunks.is_filtered() || takes_whole_chunks(t, chunks);
 }
+
+hid_t own_list(const ChunkTransfer& t) { return t.list_is_its_own ? t.list : H5I_INVALID_HID; }
 
 Direct outcome(bool good) { return good ? Direct::done : Direct::failed; }
 
 }  // namespace
 
-bool must_stay_exact(const ChunkTransfer& t, const ChunkedDataset& chunks, const Extents& corner, bool all)
-{
-    bool grows = false;
-    for (size_t i = 0; i < chunks.rank(); ++i) {
-        if (t.maximum[i] != H5S_UNLIMITED) continue;
-        if (corner[i] + chunks.chunk()[i] > chunks.extents()[i]) return true;
-        grows = true;
-    }
-    const bool completed = grows && !t.is_new && chunks.was_exact();
-    return !all && !completed;
-}
-
 Direct write_chunks(const ChunkTransfer& t, const void* data)
 {
     if (!may_pay(t)) return Direct::left;
-    ChunkedDataset chunks(t.dataset, t.extents);
+    ChunkedDataset chunks(t.dataset, own_list(t), t.extents);
     if (!is_ours(t, chunks)) return Direct::left;
-    if (t.part.mode == point_list) return outcome(write_points(t, chunks, data));
-    if (!chunks.is_filtered() && !takes_whole_chunks(t, chunks)) return Direct::left;
-    return outcome(write_box(t, chunks, data));
+    return outcome(t.part.mode == point_list ? write_points(t, chunks, data) : write_box(t, chunks, data));
 }
 
 Direct read_chunks(const ChunkTransfer& t, void* data)
 {
     if (!may_pay(t)) return Direct::left;
-    ChunkedDataset chunks(t.dataset, t.extents);
+    ChunkedDataset chunks(t.dataset, own_list(t), t.extents);
     if (!is_ours(t, chunks)) return Direct::left;
     return outcome(t.part.mode == point_list ? read_points(t, chunks, data) : read_box(t, chunks, data));
 }

@@ -5,20 +5,28 @@
 // rounds a value at most once: a chunk that is not yet complete, or is changed in part, is stored without it.
 #pragma once
 
+#include <functional>
+
 #include "storage/dataset_layout.h"
 
 namespace vak {
 
 struct ChunkTransfer {
     hid_t dataset = H5I_INVALID_HID;
-    hid_t list = H5I_INVALID_HID;  // creation list; may be absent where there are no filters
+    hid_t list = H5I_INVALID_HID;  // of its creation; may be absent where there are no filters
+    bool list_is_its_own = true;   // not the one with which it was made just now
     int32_t type = 0;              // type code
     size_t data_size = 0;
     hid_t memory_type = H5I_INVALID_HID;
     Part part{};
     std::span<const hsize_t> extents{};  // of the dataset, as they are now
-    std::span<const hsize_t> maximum{};  // what they can become; for writing
-    bool is_new = false;                 // nothing was written to the dataset yet
+    std::span<const hsize_t> maximum{};  // what they can become
+    std::span<const hsize_t> before{};   // what they were before this call: behind them there is no chunk yet
+
+    bool is_new(const Extents& corner) const
+    {
+        return !std::equal(before.begin(), before.end(), corner.begin(), std::greater<>());
+    }
 };
 
 enum class Direct {
