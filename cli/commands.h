@@ -12,5 +12,8 @@ void add_import(CLI::App& app);
 void add_export(CLI::App& app);
 void add_merge(CLI::App& app);
 void add_compare(CLI::App& app);
+void add_link(CLI::App& app);
+void add_erase(CLI::App& app);
+void add_params(CLI::App& app);
 
 }  // namespace vak::cli

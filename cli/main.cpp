@@ -36,6 +36,9 @@ int run(int argc, char** argv)
     vak::cli::add_export(app);
     vak::cli::add_merge(app);
     vak::cli::add_compare(app);
+    vak::cli::add_link(app);
+    vak::cli::add_erase(app);
+    vak::cli::add_params(app);
     try {
         app.parse(argc, argv);
         if (std::fflush(stdout) != 0 || std::ferror(stdout))

@@ -9,7 +9,7 @@ namespace vak::store {
 
 namespace {
 
-constexpr int32_t create_with_group = 0, read_at_root = 10;
+constexpr int32_t create_with_group = 0, read_at_root = 10, update_at_root = 9;
 constexpr Int zero_terminated{-1}, open_existing{1};
 
 Int length(const std::string& text) { return {static_cast<int32_t>(text.size())}; }
@@ -57,8 +57,8 @@ void File::open_root(const std::string& model, int32_t mode)
              Int{mode}, &status);
     if (status == 0) return;
     const std::string library = messages.text(status);
-    throw cli::Problem(path_ + (mode == read_at_root ? ": cannot be opened: " + reason(path_, library)
-                                                     : ": cannot be created: " + library));
+    throw cli::Problem(path_ + (mode == create_with_group ? ": cannot be created: " + library
+                                                          : ": cannot be opened: " + reason(path_, library)));
 }
 
 File File::create(const std::string& path, const std::string& model)
@@ -74,6 +74,14 @@ File File::open(const std::string& path)
     file.open_root("", read_at_root);
     if (std::filesystem::is_regular_file(path))
         file.enter_model();  // else the caller has named a group in it
+    return file;
+}
+
+File File::update(const std::string& path)
+{
+    File file(path);
+    file.open_root("", update_at_root);
+    file.enter_model();
     return file;
 }
 

@@ -13,6 +13,8 @@ public:
     static File create(const std::string& path, const std::string& model);
     // Opens to read, at the model's group where the file has one.
     static File open(const std::string& path);
+    // Opens to change what is there, at the same place.
+    static File update(const std::string& path);
 
     File(File&& other) noexcept;
     File(const File&) = delete;
