@@ -1,12 +1,10 @@
 // A disk that fills while states are appended: told by the call or by VAK_CLOSE, and never read as other
 // values.
 #include <sys/resource.h>
-#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
-#include <cerrno>
 #include <csignal>
 #include <filesystem>
 #include <functional>
@@ -16,32 +14,7 @@
 #include "samples/multielementresults.h"
 #include "samples/multientityresults.h"
 #include "support/block_test.h"
-
-// The disk that files are on: it takes no byte at or behind this place of a file, but files may claim any
-// length.
-static off_t disk_end = std::numeric_limits<off_t>::max();
-
-static ssize_t write_on_this_disk(int file, const void* bytes, size_t count, off_t at)
-{
-    const off_t room = std::max(disk_end - at, off_t{0});
-    if (count > 0 && room == 0) {
-        errno = ENOSPC;
-        return -1;
-    }
-    return syscall(SYS_pwrite64, file, bytes, std::min(count, static_cast<size_t>(room)), at);
-}
-
-// HDF5 calls these instead of the C library's, under whichever name it was built with.
-extern "C" __attribute__((visibility("default"))) ssize_t pwrite(int file, const void* bytes, size_t count,
-                                                                 off_t at)
-{
-    return write_on_this_disk(file, bytes, count, at);
-}
-extern "C" __attribute__((visibility("default"))) ssize_t pwrite64(int file, const void* bytes, size_t count,
-                                                                   off64_t at)
-{
-    return write_on_this_disk(file, bytes, count, at);
-}
+#include "support/faults.h"
 
 namespace vak::test {
 
@@ -232,6 +205,7 @@ protected:
         }
         int status = 0;
         waitpid(child, &status, 0);
+        disk().mend();
         EXPECT_TRUE(WIFEXITED(status)) << "the process died";
         return WIFEXITED(status) && WEXITSTATUS(status) == 0;
     }
@@ -285,7 +259,7 @@ protected:
 
 TEST_P(FullDisk, is_reported_and_loses_no_state_that_was_appended_before)
 {
-    try_limits(12, [](uintmax_t limit) { disk_end = static_cast<off_t>(limit); });
+    try_limits(12, [](uintmax_t limit) { disk().end = static_cast<off_t>(limit); });
     EXPECT_GE(failed_, 8);
     EXPECT_GE(succeeded_, 1);
     EXPECT_GE(fewest_, GetParam().shares_chunks ? 0 : before);

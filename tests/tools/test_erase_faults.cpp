@@ -1,78 +1,16 @@
 // The eraser on a disk that fails, or in a process that is killed, at each of its writes.
 //
 // A share of the writes is tried; all of them with VAK_TEST_EVERY_WRITE set in the environment.
-#include <dlfcn.h>
 #include <sys/mman.h>
-#include <sys/syscall.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <cerrno>
-#include <csignal>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
 
+#include "support/faults.h"
 #include "tools/eraser_test.h"
-
-namespace {
-
-enum class Fault { none, io_error_once, full_from_here, killed };
-
-// Shared with the process that erases.
-struct Disk {
-    Fault fault;
-    long at;  // the write that fails
-    long writes;
-    int flushing;
-    bool hit, hit_in_flush;
-};
-Disk* disk = nullptr;
-
-ssize_t write_on_this_disk(int file, const void* bytes, size_t count, off_t at)
-{
-    if (disk != nullptr && disk->fault != Fault::none) {
-        const long now = disk->writes++;
-        const bool fails = disk->fault == Fault::full_from_here ? now >= disk->at : now == disk->at;
-        if (now == disk->at) {
-            disk->hit = true;
-            disk->hit_in_flush = disk->flushing > 0;
-        }
-        if (fails && disk->fault == Fault::killed) raise(SIGKILL);
-        if (fails) {
-            errno = disk->fault == Fault::io_error_once ? EIO : ENOSPC;
-            return -1;
-        }
-    }
-    return syscall(SYS_pwrite64, file, bytes, count, at);
-}
-
-struct Flushing {
-    Flushing() { disk->flushing += 1; }
-    ~Flushing() { disk->flushing -= 1; }
-    Flushing(const Flushing&) = delete;
-    Flushing& operator=(const Flushing&) = delete;
-};
-
-}  // namespace
-
-// HDF5 and the library call these instead of the true ones.
-#define VAK_STANDS_IN extern "C" __attribute__((visibility("default")))
-VAK_STANDS_IN ssize_t pwrite(int file, const void* bytes, size_t count, off_t at)
-{
-    return write_on_this_disk(file, bytes, count, at);
-}
-VAK_STANDS_IN ssize_t pwrite64(int file, const void* bytes, size_t count, off64_t at)
-{
-    return write_on_this_disk(file, bytes, count, at);
-}
-VAK_STANDS_IN herr_t H5Fflush(hid_t object, H5F_scope_t scope)
-{
-    static const auto flush = reinterpret_cast<herr_t (*)(hid_t, H5F_scope_t)>(dlsym(RTLD_NEXT, "H5Fflush"));
-    if (disk == nullptr) return flush(object, scope);
-    const Flushing now;
-    return flush(object, scope);
-}
 
 namespace vak::test {
 
@@ -86,16 +24,9 @@ struct Figures {
 
 class EraserUnderFaults : public EraserTest {
 protected:
-    void SetUp() override
-    {
-        EraserTest::SetUp();
-        disk = static_cast<Disk*>(
-            mmap(nullptr, sizeof(Disk), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0));
-    }
     void TearDown() override
     {
-        munmap(disk, sizeof(Disk));
-        disk = nullptr;
+        disk().mend();
         EraserTest::TearDown();
     }
 
@@ -167,14 +98,14 @@ protected:
     // In a process of its own; whether every call succeeded.
     bool erase_with(Fault fault, long at, const std::string& name)
     {
-        *disk = {fault, at, 0, 0, false, false};
+        disk().fail(fault, at);
         const pid_t child = fork();
         if (child == 0) _exit(erase_in(name) == 0 ? 0 : 1);
         int result = 0;
         waitpid(child, &result, 0);
         EXPECT_TRUE(WIFEXITED(result) || WTERMSIG(result) == SIGKILL)
             << "the process died of " << WTERMSIG(result);
-        disk->fault = Fault::none;
+        disk().fault = Fault::none;
         return WIFEXITED(result) && WEXITSTATUS(result) == 0;
     }
 
@@ -204,13 +135,13 @@ protected:
     void count(Figures& f, int judgement) const
     {
         if (judgement < 0) ++f.wrong;
-        if (judgement == 0) ++(disk->hit_in_flush ? f.lost_in_flush : f.lost);
+        if (judgement == 0) ++(disk().hit_in_flush ? f.lost_in_flush : f.lost);
     }
     void judge(const std::string& name, bool succeeded, Figures& f) const
     {
         const vak_id group = open(name, 10);
         if (group < 0) {
-            disk->hit_in_flush ? ++f.unreadable_in_flush : ++f.lost;
+            disk().hit_in_flush ? ++f.unreadable_in_flush : ++f.lost;
             return;
         }
         for (int32_t number = 0; number < blocks; ++number) {
@@ -239,7 +170,7 @@ protected:
         f = *found;
         munmap(found, sizeof(Figures));
         if (!WIFEXITED(result) || WEXITSTATUS(result) != 0)
-            ++(disk->hit_in_flush ? f.unreadable_in_flush : f.lost);
+            ++(disk().hit_in_flush ? f.unreadable_in_flush : f.lost);
     }
 
     void try_writes(Fault fault, const char* word)
@@ -249,12 +180,12 @@ protected:
         Figures f;
         Output ignored = captured([&] {
             ASSERT_TRUE(erase_with(Fault::io_error_once, -1, tried));
-            const long writes = disk->writes;
+            const long writes = disk().writes;
             const long step = std::getenv("VAK_TEST_EVERY_WRITE") != nullptr ? 1 : writes / 12 + 1;
             for (long at = 0; at < writes; at += step) {
                 std::filesystem::copy_file(whole, tried, std::filesystem::copy_options::overwrite_existing);
                 const bool succeeded = erase_with(fault, at, tried);
-                ASSERT_TRUE(disk->hit);
+                ASSERT_TRUE(disk().hit);
                 if (succeeded) ++f.unnoticed;
                 judge_apart(tried, succeeded, f);
                 ++f.tried;
