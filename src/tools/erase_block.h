@@ -18,6 +18,10 @@ struct ErasableBlock {
     std::string path;  // as listed: a legacy one ends in "header"
 };
 
+// A group of the file; other files by external links only where they are regular ones, and to read.
+Group open_in_file(const ErasableBlock&, const std::string& path);
+std::string parent_of(const std::string& path);
+
 // Deletes the block, then each parent that has no links left. 0, or -1 for a failed deletion.
 int32_t delete_block(const ErasableBlock&, bool verbose);
 
