@@ -37,6 +37,9 @@ private:
     int file_;
 };
 
+// Keeps it for the check of all that tests have seen printed (printed.cpp).
+void note_printed(const Output& output);
+
 template <class Call>
 Output captured(Call&& call)
 {
@@ -46,6 +49,7 @@ Output captured(Call&& call)
     Output output;
     output.err = err.take_back();
     output.out = out.take_back();
+    note_printed(output);
     return output;
 }
 

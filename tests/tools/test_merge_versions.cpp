@@ -112,6 +112,17 @@ TEST_P(MergeVersions, are_missed_where_there_is_no_header)
     EXPECT_FALSE(exists(target(), "vakheader"));
 }
 
+TEST_P(MergeVersions, are_those_of_one_header_where_a_domain_has_several)
+{
+    const hid_t domain = add_version(own());
+    const ObjectId more(H5Gcreate2(domain, "more", H5P_DEFAULT, H5P_DEFAULT, H5P_DEFAULT), "more");
+    put_header(more);
+    EXPECT_EQ(merge(1), 0);
+    EXPECT_EQ(checks(), own_line(0, 1));
+    EXPECT_THAT(printed().err,
+                testing::StartsWith("VAK WARNING file [0] contains multiple \"vakheader\"s!\n"));
+}
+
 TEST_P(MergeVersions, that_cannot_be_read_end_the_merge)
 {
     add_version(own());

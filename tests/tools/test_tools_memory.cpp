@@ -1,4 +1,7 @@
 // The tools end the process when memory runs out, and say where.
+#include <sys/wait.h>
+#include <unistd.h>
+
 #include <cstdlib>
 #include <new>
 
@@ -36,14 +39,20 @@ protected:
     template <class Routine>
     void expect_end(const std::string& source, Routine routine)
     {
-        EXPECT_EXIT(
-            {
+        int state = 0;
+        const Output output = captured([&] {
+            const pid_t child = fork();
+            if (child == 0) {
                 memory_is_gone = true;
                 routine();
                 std::_Exit(0);
-            },
-            testing::ExitedWithCode(1),
-            "^\n     \\*\\*\\* ERROR \\*\\*\\* MEMORY ALLOCATION IN " + source + " LINE [0-9]+\n$");
+            }
+            waitpid(child, &state, 0);
+        });
+        EXPECT_TRUE(WIFEXITED(state) && WEXITSTATUS(state) == 1) << state;
+        EXPECT_THAT(output.err,
+                    testing::MatchesRegex("\n     \\*\\*\\* ERROR \\*\\*\\* MEMORY ALLOCATION IN " + source +
+                                          " LINE [0-9]+\n"));
     }
     const int32_t none = 0, one = 1;
     int32_t ierr = 0;
