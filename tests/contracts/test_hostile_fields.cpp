@@ -1,60 +1,11 @@
 // Whatever stands in the file in place of a field, a reader gives values or one line with its status, and
 // touches nothing of the caller's that is not its own. (The sanitizers watch the arrays.)
 #include "contracts/kinds.h"
+#include "contracts/stored_fields.h"
 
 namespace vak::test {
 
 namespace {
-
-struct Field {
-    std::string group, name;
-    bool is_attribute;
-};
-
-std::vector<Field> fields_of(hid_t block)
-{
-    std::vector<Field> fields;
-    H5Ovisit3(
-        block, H5_INDEX_NAME, H5_ITER_NATIVE,
-        [](hid_t from, const char* name, const H5O_info2_t* info, void* data) -> herr_t {
-            auto& found = *static_cast<std::vector<Field>*>(data);
-            const std::string path = name;
-            const size_t slash = path.rfind('/');
-            if (info->type == H5O_TYPE_DATASET)
-                found.push_back({slash == std::string::npos ? "." : path.substr(0, slash),
-                                 path.substr(slash + 1), false});
-            const ObjectId object = open_object(from, path);
-            for (hsize_t i = 0; i < info->num_attrs; ++i) {
-                char attribute[64];
-                H5Aget_name_by_idx(object, ".", H5_INDEX_NAME, H5_ITER_INC, i, attribute, sizeof attribute,
-                                   H5P_DEFAULT);
-                found.push_back({path, attribute, true});
-            }
-            return 0;
-        },
-        &fields, H5O_INFO_BASIC | H5O_INFO_NUM_ATTRS);
-    return fields;
-}
-
-TypeId text_of(size_t length)
-{
-    TypeId type(H5Tcopy(H5T_C_S1), "text");
-    H5Tset_size(type, length);
-    return type;
-}
-
-TypeId compound()
-{
-    TypeId type(H5Tcreate(H5T_COMPOUND, 8), "compound");
-    H5Tinsert(type, "a", 0, H5T_NATIVE_INT32);
-    H5Tinsert(type, "b", 4, H5T_NATIVE_FLOAT);
-    return type;
-}
-
-SpaceId array_of(std::vector<hsize_t> extents)
-{
-    return {H5Screate_simple(static_cast<int>(extents.size()), extents.data(), nullptr), "space"};
-}
 
 // What stands in place of a field.
 struct Odd {
@@ -68,15 +19,15 @@ const std::vector<Odd>& odd_things()
     const auto integer = [] { return TypeId(H5Tcopy(H5T_STD_I32LE), "type"); };
     const auto wide = [] { return TypeId(H5Tcopy(H5T_STD_I64LE), "type"); };
     const auto real = [] { return TypeId(H5Tcopy(H5T_IEEE_F64BE), "type"); };
-    const auto long_text = [] { return text_of(300); };
-    const auto short_text = [] { return text_of(3); };
-    const auto any_text = [] { return text_of(H5T_VARIABLE); };
+    const auto long_text = [] { return text_type_of(300); };
+    const auto short_text = [] { return text_type_of(3); };
+    const auto any_text = [] { return text_type_of(H5T_VARIABLE); };
     const auto one = [] { return SpaceId(H5Screate(H5S_SCALAR), "space"); };
     const auto none = [] { return SpaceId(H5Screate(H5S_NULL), "space"); };
-    const auto four = [] { return array_of({4}); };
-    const auto many = [] { return array_of({3000}); };
-    const auto table = [] { return array_of({4, 4}); };
-    const auto empty = [] { return array_of({0}); };
+    const auto four = [] { return array_space({4}); };
+    const auto many = [] { return array_space({3000}); };
+    const auto table = [] { return array_space({4, 4}); };
+    const auto empty = [] { return array_space({0}); };
     static const std::vector<Odd> all{
         {"one integer", integer, one},
         {"no integer", integer, none},
@@ -95,8 +46,8 @@ const std::vector<Odd>& odd_things()
         {"a short text", short_text, one},
         {"texts of any length", any_text, four},
         {"a text of any length", any_text, one},
-        {"a record", compound, one},
-        {"records", compound, four},
+        {"a record", record_type, one},
+        {"records", record_type, four},
     };
     return all;
 }
@@ -134,14 +85,6 @@ protected:
         return text.starts_with("VAK ") && text.ends_with('\n') && text.find('\n') == text.size() - 1;
     }
 
-    static void remove(hid_t block, const Field& f)
-    {
-        const ObjectId holder = open_object(block, f.group);
-        EXPECT_GE(f.is_attribute ? H5Adelete(holder, f.name.c_str())
-                                 : H5Ldelete(holder, f.name.c_str(), H5P_DEFAULT),
-                  0);
-    }
-
     static void put(hid_t block, const Field& f, const Odd& odd)
     {
         const ObjectId holder = open_object(block, f.group);
@@ -161,7 +104,7 @@ TEST_P(HostileFields, missing_field_is_read_around_or_reported)
     EXPECT_FALSE(fields.empty());
     for (const Field& field : fields) {
         const StoredBlock block = written(GetParam());
-        remove(block.group(), field);
+        remove_field(block.group(), field);
         read_everything(block.group(), "without " + field.name);
     }
 }
@@ -171,17 +114,17 @@ TEST_P(HostileFields, odd_thing_in_place_of_a_field_is_read_or_reported)
     const std::vector<Field> fields = fields_of(written(GetParam()).group());
     for (const Field& field : fields) {
         const StoredBlock block = written(GetParam());
-        remove(block.group(), field);
+        remove_field(block.group(), field);
         for (const Odd& odd : odd_things()) {
             put(block.group(), field, odd);
             read_everything(block.group(), odd.name + " as " + field.name);
-            remove(block.group(), field);
+            remove_field(block.group(), field);
         }
         if (field.is_attribute) continue;
         const ObjectId holder = open_object(block.group(), field.group);
         H5Lcreate_soft("/nowhere", holder, field.name.c_str(), H5P_DEFAULT, H5P_DEFAULT);
         read_everything(block.group(), "a dangling link as " + field.name);
-        remove(block.group(), field);
+        remove_field(block.group(), field);
         group(holder, field.name);
         read_everything(block.group(), "a group as " + field.name);
     }
