@@ -1,10 +1,5 @@
 // vak erase: cuts a file back to a state.
-#include <fcntl.h>
-#include <sys/file.h>
-#include <unistd.h>
-
 #include <algorithm>
-#include <cerrno>
 #include <cstdio>
 #include <memory>
 #include <string>
@@ -17,6 +12,7 @@
 #include "selection.h"
 #include "store/call.h"
 #include "store/file.h"
+#include "store/file_lock.h"
 
 namespace vak::cli {
 
@@ -29,14 +25,10 @@ struct Options {
     bool dry_run = false, repack = false, legacy = false;
 };
 
-// Held by each program that has the file open.
 void refuse_file_in_use(const std::string& file)
 {
-    const int descriptor = ::open(file.c_str(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
-    if (descriptor < 0) return;  // opening it tells why
-    const bool busy = flock(descriptor, LOCK_EX | LOCK_NB) != 0 && errno == EWOULDBLOCK;
-    ::close(descriptor);
-    if (busy) throw Problem(file + ": another program has it open; nothing was changed");
+    if (store::is_in_use(file, store::Use::writing))
+        throw Problem(file + ": another program has it open; nothing was changed");
 }
 
 struct Target {

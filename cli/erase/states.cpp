@@ -66,6 +66,15 @@ std::vector<State> states_in(hid_t root, const std::string& path)
     return states;
 }
 
+// The blocks that an external link brings in are another file's; the library does not touch them.
+bool is_of_this_file(hid_t root, const std::string& path)
+{
+    H5O_info2_t own{}, block{};
+    return H5Oget_info3(root, &own, H5O_INFO_BASIC) >= 0 &&
+           H5Oget_info_by_name3(root, path.c_str(), &block, H5O_INFO_BASIC, H5P_DEFAULT) >= 0 &&
+           own.fileno == block.fileno;
+}
+
 bool is_named_by_value(const State& state, double value)
 {
     // Stored with four bytes in most files.
@@ -80,7 +89,8 @@ std::vector<BlockStates> states_of(const store::File& file, const store::Catalog
 {
     std::vector<BlockStates> found;
     for (const store::BlockEntry& block : catalogue.blocks)
-        found.push_back({.block = block, .states = states_in(*file.root(), block.path)});
+        if (is_of_this_file(*file.root(), block.path))
+            found.push_back({.block = block, .states = states_in(*file.root(), block.path)});
     return found;
 }
 

@@ -19,6 +19,7 @@ struct BlockStates {
     std::vector<State> states;  // one, or those of a series; none where the block belongs to no state
 };
 
+// Of the blocks of this file; those that links bring in from others are not there.
 std::vector<BlockStates> states_of(const store::File&, const store::Catalogue&);
 
 // The index values of the state that a number of the path or an index value names; a problem when none does.

@@ -2,11 +2,13 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cstdio>
 #include <cstdlib>
 #include <string_view>
 #include <utility>
 
 #include "store/call.h"
+#include "store/linked_files.h"
 
 namespace vak::store {
 
@@ -33,12 +35,12 @@ std::vector<std::string_view> levels(std::string_view path)
     return parts;
 }
 
-// "state000000000012" levels stand directly behind "singlestate".
+// "state000000000012" levels stand directly behind "singlestate", wherever that is.
 std::vector<int64_t> state_numbers(const std::vector<std::string_view>& parts)
 {
     std::vector<int64_t> states;
-    if (parts.empty() || parts[0] != "singlestate") return states;
-    for (size_t i = 1; i < parts.size() && parts[i].starts_with("state"); ++i) {
+    auto from = static_cast<size_t>(std::ranges::find(parts, "singlestate") - parts.begin());
+    for (size_t i = from + 1; i < parts.size() && parts[i].starts_with("state"); ++i) {
         const auto state = number(parts[i].substr(5));
         if (!state || parts[i].size() < 17) break;
         states.push_back(*state);
@@ -92,8 +94,17 @@ bool only_header(const std::vector<BlockEntry>& blocks)
 
 }  // namespace
 
+// The library passes over links that lead nowhere; a reader of the list is to know what it lacks.
+static void tell_missing(const File& file)
+{
+    for (const std::string& name : missing_files(*file.root()))
+        std::fprintf(stderr, "vak: %s: linked from this file, but not there; its blocks are left out\n",
+                     name.c_str());
+}
+
 Catalogue catalogue(const File& file, std::optional<Layout> layout)
 {
+    tell_missing(file);
     Catalogue found{.layout = layout.value_or(Layout::current), .blocks = {}};
     found.blocks = lookup(file, found.layout);
     if (layout || !only_header(found.blocks)) return found;

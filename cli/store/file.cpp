@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "store/call.h"
+#include "store/file_lock.h"
 
 namespace vak::store {
 
@@ -25,7 +26,7 @@ bool names_group_in_file(std::filesystem::path path)
 }
 
 // Why a file cannot be opened, where that can be seen from outside.
-std::string reason(const std::string& path, const std::string& library)
+std::string reason(const std::string& path, Use use, const std::string& library)
 {
     namespace fs = std::filesystem;
     std::error_code error;
@@ -35,6 +36,7 @@ std::string reason(const std::string& path, const std::string& library)
     if (status.type() == fs::file_type::directory) return "it is a folder; name a file in it";
     if (status.type() == fs::file_type::none) return error.message();
     if (status.type() != fs::file_type::regular) return "it is no regular file";
+    if (is_in_use(path, use)) return "another program has it open";
     return "it is damaged or no HDF5 file (" + library + ")";
 }
 
@@ -57,8 +59,11 @@ void File::open_root(const std::string& model, int32_t mode)
              Int{mode}, &status);
     if (status == 0) return;
     const std::string library = messages.text(status);
-    throw cli::Problem(path_ + (mode == create_with_group ? ": cannot be created: " + library
-                                                          : ": cannot be opened: " + reason(path_, library)));
+    throw cli::Problem(
+        path_ + (mode == create_with_group
+                     ? ": cannot be created: " + library
+                     : ": cannot be opened: " +
+                           reason(path_, mode == read_at_root ? Use::reading : Use::writing, library)));
 }
 
 File File::create(const std::string& path, const std::string& model)

@@ -1,87 +1,46 @@
 // vak erase as a user calls it.
 #include <fcntl.h>
-#include <gmock/gmock.h>
 #include <sys/file.h>
 
+#include <algorithm>
 #include <filesystem>
+#include <set>
 
-#include "cli/program.h"
-#include "samples/entityresults.h"
-#include "samples/multientityresults.h"
-#include "store/file.h"
-#include "support/ids.h"
+#include "cli/erase_test.h"
+#include "store/catalogue.h"
 
 using namespace vak::test;
 using testing::HasSubstr;
-using testing::StartsWith;
 
 namespace {
 
-class Erase : public testing::TestWithParam<vak::Family> {
+class Erase : public EraseTest {
 protected:
-    // Single states 1 to 4, at the times 0.5 to 2, and a series of as many; each index value ten times as
-    // large.
-    void SetUp() override
+    // Writes a state into a group below the model's.
+    void write_nested(const std::string& group, int32_t k) const
     {
-        vak::store::File made = vak::store::File::create(file, "model");
-        const hid_t root = *made.root();
-        for (int32_t k = 1; k <= 4; ++k) {
-            EntityResults s = state(k);
-            ASSERT_EQ(s.write(root), 0);
-        }
-        auto all = series;
-        all.family = GetParam();
-        ASSERT_EQ(all.write(root), 0);
-        made.close();
+        const FileId opened = edit_file(file);
+        const PropertiesId parents(H5Pcreate(H5P_LINK_CREATE), "list");
+        H5Pset_create_intermediate_group(parents, 1);
+        const ObjectId at(H5Gcreate2(opened, ("post/" + group).c_str(), parents, H5P_DEFAULT, H5P_DEFAULT),
+                          group);
+        ASSERT_EQ(state(k).write(at), 0);
     }
-    static EntityResults state(int32_t k)
+    std::set<std::string> blocks() const
     {
-        EntityResults s = sample_of(GetParam());
-        s.state = k;
-        s.nent = 3;
-        s.index = {
-            .nindex = 1, .indexic = 0, .indexident = {10 * k}, .indexval = {0.5F * static_cast<float>(k)}};
-        return s;
+        const auto opened = vak::store::File::open(file);
+        std::set<std::string> paths;
+        for (const auto& block : vak::store::catalogue(opened).blocks) paths.insert(block.path);
+        return paths;
     }
-    static EntityResults sample_of(vak::Family family)
+    Said busy() const
     {
-        EntityResults s;
-        s.family = family;
-        return s;
+        return {.status = 2,
+                .out = "",
+                .err = "vak erase: " + file + ": another program has it open; nothing was changed\n"};
     }
-    static MultiEntityResults make_series()
-    {
-        auto s = MultiEntityResults::of_states(vak::Family::current, 4);
-        s.index = {.nindex = 1, .indexic = 0, .indexident = {10, 20, 30, 40}, .indexval = {0.5F, 1, 1.5F, 2}};
-        return s;
-    }
-    bool has(int32_t k) const
-    {
-        const FileId opened = read_file(file);
-        return exists(opened, "post/" + state(k).path());
-    }
-    int64_t series_states() const
-    {
-        auto s = series;
-        s.family = GetParam();
-        const FileId opened = read_file(file);
-        return dataset_extents(opened, "post/" + s.path() + (s.legacy() ? "/data/res" : "/res")).at(0);
-    }
-    void expect_cut_behind_state_2() const
-    {
-        EXPECT_TRUE(has(2));
-        EXPECT_FALSE(has(3));
-        EXPECT_EQ(series_states(), 2);
-    }
-
-    TempFolder folder;
-    std::string file = folder.file("run.h5");
-    MultiEntityResults series = make_series();
 };
-INSTANTIATE_TEST_SUITE_P(, Erase, testing::Values(vak::Family::current, vak::Family::legacy),
-                         [](const auto& family) {
-                             return std::string(family.param == vak::Family::legacy ? "legacy" : "current");
-                         });
+INSTANTIATE_TEST_SUITE_P(, Erase, layouts, layout_name);
 
 }  // namespace
 
@@ -108,45 +67,93 @@ TEST_P(Erase, a_state_is_given_by_an_index_value)
 TEST_P(Erase, dry_run_names_what_would_go_and_changes_nothing)
 {
     const std::string before = contents(file);
-    auto s = series;
-    s.family = GetParam();
-    EXPECT_EQ(vak_says({"erase", file, "--after", "30", "--dry-run"}),
-              (Said{.status = 0, .out = s.path() + ": 1 of 4 states\n" + state(4).path() + "\n", .err = ""}));
+    EXPECT_EQ(
+        vak_says({"erase", file, "--after", "30", "--dry-run"}),
+        (Said{
+            .status = 0, .out = series().path() + ": 1 of 4 states\n" + state(4).path() + "\n", .err = ""}));
     EXPECT_EQ(contents(file), before);
 }
 
-TEST_P(Erase, repacking_frees_the_space_and_keeps_the_rest)
+TEST_P(Erase, dry_run_names_exactly_what_then_goes)
 {
-    EXPECT_EQ(vak_says({"erase", file, "--after", "20"}).status, 0);
-    const auto before = std::filesystem::file_size(file);
-    const Said said = vak_says({"erase", file, "--after", "20", "--repack"});
-    const auto after = std::filesystem::file_size(file);
-    EXPECT_EQ(said, (Said{.status = 0,
-                          .out = file + ": " + std::to_string(before - after) + " bytes freed\n",
-                          .err = ""}));
-    EXPECT_LT(after, before);
+    const std::string other = folder.file("other.h5");
+    std::filesystem::copy_file(file, other);
+    write_nested("run/deep", 3);
+    write_nested("run/other", 1);
     {
-        // Still one group under two names.
-        const FileId opened = read_file(file);
-        H5O_info2_t model, post;
-        int order = 1;
-        EXPECT_GE(H5Oget_info_by_name3(opened, "model", &model, H5O_INFO_BASIC, H5P_DEFAULT), 0);
-        EXPECT_GE(H5Oget_info_by_name3(opened, "post", &post, H5O_INFO_BASIC, H5P_DEFAULT), 0);
-        EXPECT_GE(H5Otoken_cmp(opened, &model.token, &post.token, &order), 0);
-        EXPECT_EQ(order, 0);
+        const FileId opened = edit_file(file);
+        H5Lcreate_external("other.h5", "/post", opened, "post/linked", H5P_DEFAULT, H5P_DEFAULT);
     }
+    const std::string elsewhere = contents(other);
+    const auto before = blocks();
+    const Said dry = vak_says({"erase", file, "--after", "20", "--dry-run"});
+    EXPECT_EQ(vak_says({"erase", file, "--after", "20"}), (Said{.status = 0, .out = "", .err = ""}));
+    std::set<std::string> gone, named;
+    std::ranges::set_difference(before, blocks(), std::inserter(gone, gone.end()));
+    std::istringstream lines(dry.out);
+    for (std::string line; std::getline(lines, line);)
+        if (line.find(": ") == std::string::npos) named.insert(line);
+    EXPECT_EQ(named, gone);
+    EXPECT_EQ(gone.size(), 3U);
+    EXPECT_THAT(dry.out, HasSubstr(series().path() + ": 2 of 4 states\n"));
+    EXPECT_THAT(dry.out, testing::Not(HasSubstr("linked")));
+    EXPECT_EQ(contents(other), elsewhere);
     expect_cut_behind_state_2();
 }
 
-TEST_P(Erase, file_that_another_program_has_open_is_not_touched)
+TEST_P(Erase, dry_run_names_a_series_of_which_nothing_stays)
+{
+    EXPECT_EQ(vak_says({"erase", file, "--after", "0", "--dry-run"}).out,
+              series().path() + "\n" + state(1).path() + "\n" + state(2).path() + "\n" + state(3).path() +
+                  "\n" + state(4).path() + "\n");
+    EXPECT_EQ(vak_says({"erase", file, "--after", "40", "--dry-run"}),
+              (Said{.status = 0, .out = "", .err = ""}));
+}
+
+TEST_P(Erase, a_state_in_a_deeper_group_is_given_by_its_number_and_goes)
+{
+    write_nested("run/deep", 7);
+    EXPECT_EQ(vak_says({"erase", file, "--state", "7", "--dry-run"}),
+              (Said{.status = 0, .out = "", .err = ""}));
+    write_nested("run/deeper/still", 8);
+    EXPECT_EQ(vak_says({"erase", file, "--state", "7", "--dry-run"}).out,
+              "run/deeper/still/" + state(8).path() + "\n");
+    EXPECT_EQ(vak_says({"erase", file, "--state", "7"}).status, 0);
+    const FileId opened = read_file(file);
+    EXPECT_TRUE(exists(opened, "post/run/deep"));
+    EXPECT_FALSE(exists(opened, "post/run/deeper"));
+}
+
+TEST_P(Erase, file_that_another_program_writes_is_not_touched)
+{
+    const std::string before = contents(file);
+    vak::store::File writing = vak::store::File::update(file);
+    EXPECT_EQ(vak_says({"erase", file, "--after", "20", "--repack"}), busy());
+    EXPECT_EQ(vak_says({"erase", file, "--after", "20", "--dry-run"}),
+              (Said{.status = 2,
+                    .out = "",
+                    .err = "vak erase: " + file + ": cannot be opened: another program has it open\n"}));
+    writing.close();
+    EXPECT_EQ(contents(file), before);
+    EXPECT_EQ(vak_says({"erase", file, "--after", "20"}).status, 0);
+}
+
+TEST_P(Erase, file_that_another_program_reads_is_not_touched)
+{
+    const std::string before = contents(file);
+    vak::store::File reading = vak::store::File::open(file);
+    EXPECT_EQ(vak_says({"erase", file, "--after", "20"}), busy());
+    EXPECT_EQ(vak_says({"erase", file, "--after", "20", "--dry-run"}).status, 0);
+    reading.close();
+    EXPECT_EQ(contents(file), before);
+}
+
+TEST_P(Erase, file_that_another_program_has_locked_is_not_touched)
 {
     const std::string before = contents(file);
     const int held = ::open(file.c_str(), O_RDONLY);
     ASSERT_EQ(flock(held, LOCK_EX), 0);
-    EXPECT_EQ(vak_says({"erase", file, "--after", "20", "--repack"}),
-              (Said{.status = 2,
-                    .out = "",
-                    .err = "vak erase: " + file + ": another program has it open; nothing was changed\n"}));
+    EXPECT_EQ(vak_says({"erase", file, "--after", "20", "--repack"}), busy());
     EXPECT_EQ(contents(file), before);
     ::close(held);
 }

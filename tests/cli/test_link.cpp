@@ -1,5 +1,6 @@
 // vak link and vak params as a user calls them.
 #include <gmock/gmock.h>
+#include <sys/stat.h>
 
 #include <filesystem>
 #include <fstream>
@@ -23,6 +24,17 @@ protected:
         EntityResults results;
         results.set = set;
         results.etyp = padded("NODE" + std::to_string(set));
+        EXPECT_EQ(results.write(*made.root()), 0);
+        made.close();
+        return path;
+    }
+    // Blocks of no state.
+    std::string make_constant(const std::string& name)
+    {
+        const std::string path = folder.file(name);
+        vak::store::File made = vak::store::File::create(path, "model");
+        EntityResults results;
+        results.index.nindex = 0;
         EXPECT_EQ(results.write(*made.root()), 0);
         made.close();
         return path;
@@ -51,6 +63,37 @@ TEST_F(Link, links_go_into_a_group)
 {
     EXPECT_EQ(vak_says({"link", make("a.h5", 1), "-o", target, "--group", "first"}).status, 0);
     EXPECT_THAT(vak_says({"list", target}).out, HasSubstr("  first/singlestate/"));
+}
+
+TEST_F(Link, source_that_is_gone_is_told_and_the_others_are_listed_and_shown)
+{
+    const std::string a = make("a.h5", 1), b = make_constant("b.h5");
+    ASSERT_EQ(vak_says({"link", a, b, "-o", target}).status, 0);
+    ASSERT_EQ(vak_says({"link", a, "-o", target + "2", "--group", "first"}).status, 0);
+    const Said whole = vak_says({"list", b});
+    const std::string told = "vak: a.h5: linked from this file, but not there; its blocks are left out\n";
+    const auto expect_told = [&] {
+        EXPECT_EQ(vak_says({"list", target}), (Said{.status = 0, .out = whole.out, .err = told}));
+        EXPECT_EQ(vak_says({"list", target + "2"}), (Said{.status = 0, .out = "", .err = told}));
+        const Said shown = vak_says({"show", target});
+        EXPECT_EQ(shown.status, 0);
+        EXPECT_EQ(shown.err, told);
+        EXPECT_EQ(shown.out, vak_says({"show", b}).out);
+    };
+    std::filesystem::remove(a);
+    expect_told();
+    ASSERT_EQ(mkfifo(a.c_str(), 0600), 0);
+    expect_told();
+}
+
+TEST_F(Link, states_of_the_sources_are_not_erased_through_the_links)
+{
+    const std::string a = make("a.h5", 1), before = contents(a);
+    ASSERT_EQ(vak_says({"link", a, "-o", target}).status, 0);
+    EXPECT_EQ(vak_says({"erase", target, "--after", "0", "--dry-run"}),
+              (Said{.status = 0, .out = "", .err = ""}));
+    EXPECT_EQ(vak_says({"erase", target, "--after", "0"}).status, 0);
+    EXPECT_TRUE(contents(a) == before);
 }
 
 TEST_F(Link, names_that_two_files_have_are_told_and_no_file_is_made)
