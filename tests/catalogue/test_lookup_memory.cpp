@@ -15,9 +15,13 @@ extern "C" void* __real_malloc(size_t size);
 extern "C" void* __wrap_malloc(size_t size) { return mallocs.refuses() ? nullptr : __real_malloc(size); }
 
 // Not inlined: the compiler would see memory of new go to free and warn.
+[[gnu::noinline]] void* operator new(size_t size, const std::nothrow_t&) noexcept
+{
+    return news.refuses() ? nullptr : __real_malloc(size + 1);
+}
 [[gnu::noinline]] void* operator new(size_t size)
 {
-    void* memory = news.refuses() ? nullptr : __real_malloc(size + 1);
+    void* memory = operator new(size, std::nothrow);
     if (memory == nullptr) throw std::bad_alloc();
     return memory;
 }
