@@ -79,19 +79,27 @@ bool ChunkedDataset::read(const Extents& corner, unsigned char* values)
 {
     was_exact_ = true;
     const size_t size = stored_size(corner);
-    return size > 0 ? read_stored(corner, size, values) : read_by_hdf5(corner, values);
+    if (size == 0) return read_by_hdf5(corner, values);
+    if (!is_filtered() && size == chunk_bytes_) {
+        uint32_t mask = 0;
+        return H5Dread_chunk(dataset_, H5P_DEFAULT, corner.data(), &mask, values) >= 0;
+    }
+    if (!hold(corner, size)) return false;
+    was_exact_ = codec_->is_exact(held_.mask);
+    return codec_->decode(held_, values);
 }
 
-bool ChunkedDataset::read_stored(const Extents& corner, size_t size, unsigned char* values)
+// Takes the chunk's bytes as they are stored; none where there is no such chunk.
+bool ChunkedDataset::hold(const Extents& corner, size_t size)
 {
-    if (size > largest_stored(chunk_bytes_)) return false;
-    const bool as_it_is = !is_filtered() && size == chunk_bytes_;
-    unsigned char* bytes = as_it_is ? values : stored_.room(size);
-    StoredChunk chunk{.bytes = bytes, .size = size};
-    if (H5Dread_chunk(dataset_, H5P_DEFAULT, corner.data(), &chunk.mask, bytes) < 0) return false;
-    if (as_it_is) return true;
-    was_exact_ = codec_->is_exact(chunk.mask);
-    return codec_->decode(chunk, values);
+    held_ = {};
+    if (size == 0 || size > largest_stored(chunk_bytes_)) return false;
+    unsigned char* bytes = stored_.room(size);
+    uint32_t mask = 0;
+    if (H5Dread_chunk(dataset_, H5P_DEFAULT, corner.data(), &mask, bytes) < 0) return false;
+    held_ = {.bytes = bytes, .size = size, .mask = mask};
+    held_corner_ = corner;
+    return true;
 }
 
 // Where there is no chunk HDF5 gives fill values, and where it only could not find it, an error.
@@ -110,18 +118,54 @@ bool ChunkedDataset::read_by_hdf5(const Extents& corner, unsigned char* values) 
            H5Dread(dataset_, type_.get(), memory.get(), file.get(), H5P_DEFAULT, values) >= 0;
 }
 
+bool ChunkedDataset::store(const Extents& corner, const StoredChunk& chunk)
+{
+    last_masked_ = (chunk.mask | held_.mask) != 0 ? std::optional(corner) : std::nullopt;
+    return H5Dwrite_chunk(dataset_, H5P_DEFAULT, chunk.mask, corner.data(), chunk.size, chunk.bytes) >= 0;
+}
+
 bool ChunkedDataset::write(const Extents& corner, const unsigned char* values, bool exact, bool is_new)
 {
     const auto chunk = codec_->encode(values, exact);
     if (!chunk) return false;
-    const auto store = [&](size_t size) {
-        return H5Dwrite_chunk(dataset_, H5P_DEFAULT, chunk->mask, corner.data(), size, chunk->bytes) >= 0;
-    };
-    // HDF5 notes the mask of a chunk only when it gives it a new place, for which the size must differ.
-    const bool same_place = !is_new && is_filtered() && chunk->size > 1 && stored_size(corner) == chunk->size;
-    if (same_place && !store(chunk->size - 1)) return false;
-    last_masked_ = chunk->mask != 0 ? std::optional(corner) : std::nullopt;
-    return store(chunk->size);
+    if (is_new || !is_filtered()) return store(corner, *chunk);
+    if (held_.size == 0 || held_corner_ != corner) hold(corner, stored_size(corner));
+    const bool good = replace(corner, *chunk);
+    held_ = {};
+    return good;
+}
+
+// HDF5 gives up the place of a chunk before it writes the chunk at another one. If it cannot write there, the
+// chunk is still looked for where anything may be put. So the file must have shown before that it has room.
+bool ChunkedDataset::has_room(const StoredChunk& chunk) const
+{
+    const hsize_t size = chunk.size;
+    const Space space(H5Screate_simple(1, &size, nullptr));
+    Dataset unnamed(H5Dcreate_anon(dataset_, H5T_NATIVE_UCHAR, space.get(), H5P_DEFAULT, H5P_DEFAULT));
+    const bool good = unnamed.valid() && H5Dwrite(unnamed.get(), H5T_NATIVE_UCHAR, H5S_ALL, H5S_ALL,
+                                                  H5P_DEFAULT, chunk.bytes) >= 0;
+    return unnamed.close() && good;
+}
+
+// HDF5 notes the mask of a chunk only when it gives it a new place, for which the size must differ.
+bool ChunkedDataset::move(const Extents& corner, const StoredChunk& chunk, size_t size_now)
+{
+    const StoredChunk shorter{.bytes = chunk.bytes, .size = chunk.size - 1, .mask = chunk.mask};
+    const bool same_size = chunk.size == size_now && chunk.size > 1;
+    return (!same_size || store(corner, shorter)) && store(corner, chunk);
+}
+
+bool ChunkedDataset::replace(const Extents& corner, const StoredChunk& chunk)
+{
+    const bool stays = held_.size == chunk.size && held_.mask == chunk.mask;
+    if (!stays && !has_room(chunk)) return false;
+    if (stays ? store(corner, chunk) : move(corner, chunk, held_.size)) return true;
+    if (stays) {
+        store(corner, held_);
+    } else if (held_.size > 0) {
+        move(corner, held_, chunk.size);
+    }
+    return false;
 }
 
 // HDF5 1.14.5 remembers the place of the chunk last written, but with the mask that it had before. Whoever

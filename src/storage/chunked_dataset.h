@@ -36,10 +36,17 @@ public:
     // Whether scale-offset rounded nothing in the chunk that was read last.
     bool was_exact() const { return was_exact_; }
 
+    // The bytes of the chunk that was read last, as they are stored; none where there was no chunk. Until the
+    // next call.
+    const StoredChunk& held() const { return held_; }
+
     void fill(unsigned char* values) const;
 
     // `exact`: scale-offset must not round these values. `is_new`: there is no such chunk yet.
     bool write(const Extents& corner, const unsigned char* values, bool exact, bool is_new);
+
+    // Puts such bytes where they were, past what HDF5 has in its cache.
+    bool store(const Extents& corner, const StoredChunk& chunk);
 
     // To be called when all is written.
     void forget_last_chunk() const;
@@ -49,7 +56,10 @@ private:
     bool take_layout(hid_t list);
     void take_fill_value(hid_t list);
     size_t stored_size(const Extents& corner) const;
-    bool read_stored(const Extents& corner, size_t size, unsigned char* values);
+    bool hold(const Extents& corner, size_t size);
+    bool has_room(const StoredChunk& chunk) const;
+    bool move(const Extents& corner, const StoredChunk& chunk, size_t size_now);
+    bool replace(const Extents& corner, const StoredChunk& chunk);
     bool read_by_hdf5(const Extents& corner, unsigned char* values) const;
 
     hid_t dataset_;
@@ -62,8 +72,10 @@ private:
     std::vector<unsigned char> fill_value_;
     std::optional<ChunkCodec> codec_;
     Buffer stored_;
+    StoredChunk held_;  // what was last read into it, and where from
+    Extents held_corner_{};
     bool was_exact_ = true;
-    std::optional<Extents> last_masked_;  // the chunk written last, when a filter was left out of it
+    std::optional<Extents> last_masked_;  // the chunk written last, when a filter is or was left out of it
 };
 
 }  // namespace vak

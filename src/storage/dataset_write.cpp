@@ -121,7 +121,7 @@ int32_t give_up(const DatasetWrite& w, Target& target, int32_t number, int64_t e
         target.dataset.close();
         H5Ldelete(w.location.id, w.name, H5P_DEFAULT);
     } else if (w.extendible()) {
-        if (!target.dataset.valid()) target.dataset = Dataset(H5Dopen2(w.location.id, w.name, H5P_DEFAULT));
+        if (!target.dataset.valid()) target.dataset = Dataset(open_to_shrink(w.location.id, w.name));
         shrink_dataset(target.dataset.get(), {target.before.data(), w.dims.size()},
                        {w.maximum.data(), w.dims.size()});
     }
@@ -165,7 +165,10 @@ int32_t write_values(const DatasetWrite& w, Target& target)
 {
     if (w.part.mode == point_list && points_beyond(w)) return fail(w, 999, -1, -3999);
     const Direct direct = write_by_chunks(w, target);
-    if (direct == Direct::failed) return give_up(w, target, 999, -1);
+    if (direct == Direct::failed) {
+        target.dataset.close();  // HDF5 forgets where it wanted to put the chunk that failed
+        return give_up(w, target, 999, -1);
+    }
     if (direct == Direct::left)
         if (const int32_t status = write_by_hdf5(w, target)) return status;
     // Errors of the disk often show only when HDF5 writes out what it holds, on closing.

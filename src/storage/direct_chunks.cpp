@@ -70,8 +70,6 @@ Direct write_chunks(const ChunkTransfer& t, const void* data)
     if (!may_pay(t)) return Direct::left;
     ChunkedDataset chunks(t.dataset, own_list(t), t.extents);
     if (!is_ours(t, chunks)) return Direct::left;
-    // A chunk that is changed in part is moved within the file; on a full disk HDF5 keeps the states in it better.
-    if (!chunks.has_scale_offset() && !takes_whole_chunks(t, chunks)) return Direct::left;
     return outcome(t.part.mode == point_list ? write_points(t, chunks, data) : write_box(t, chunks, data));
 }
 

@@ -39,7 +39,11 @@ Direct write_chunks(const ChunkTransfer& transfer, const void* data);
 Direct read_chunks(const ChunkTransfer& transfer, void* data);
 
 // Takes back what a dataset grew by: these are its extents again. HDF5 would pack the chunks at the new end
-// anew, which scale-offset may not survive; so they are put back as they were. False on failure.
+// anew, which scale-offset and a full disk may not survive; so they are put back as they were. False on
+// failure.
 bool shrink_dataset(hid_t dataset, std::span<const hsize_t> extents, std::span<const hsize_t> maximum);
+
+// For that it is opened so that HDF5 holds its version of those chunks back.
+hid_t open_to_shrink(hid_t location, const char* name);
 
 }  // namespace vak

@@ -1,0 +1,139 @@
+// A disk that fills while filtered chunks are packed anew: chunks of four states that are appended one by
+// one, and whole ones that are rewritten.
+#include "full_disk.h"
+#include "samples/elementresults.h"
+
+namespace vak::test {
+
+namespace {
+
+struct Packing {
+    std::string name;
+    int32_t flags;
+    int32_t digits = 2, level = 1;
+};
+
+const std::vector<Packing> packings = {{.name = "deflated", .flags = 2},
+                                       {.name = "shuffled_and_deflated", .flags = 2 + 16},
+                                       {.name = "scaled", .flags = 64 + 128},
+                                       {.name = "scaled_and_deflated", .flags = 64 + 128 + 1 + 2}};
+
+// Values that no filter rounds; those of later states take more room.
+template <class S>
+S packed_values(S s, const Packing& packing, int32_t k)
+{
+    s.tables.ids.assign(many, 7);
+    s.tables.fid.assign(many, 8);
+    s.tables.weight.assign(many, 1);
+    s.index.indexident.clear();
+    s.index.indexval.clear();
+    s.flags = packing.flags;
+    s.params[0] = packing.digits;
+    s.params[1] = packing.level;
+    s.res.resize(many * 2);
+    for (size_t i = 0; i < s.res.size(); ++i)
+        s.res[i] = static_cast<float>(k + 1) + static_cast<float>(i * 7919 % (100U << k)) / 4;
+    s.index.nindex = 8;
+    for (int32_t i = 0; i < 8; ++i) {
+        s.index.indexident.push_back(k * i);
+        s.index.indexval.push_back(static_cast<float>(k + i) / 3);
+    }
+    return s;
+}
+
+MultiEntityResults series_state(Family family, const Packing& packing, int32_t k)
+{
+    MultiEntityResults s;
+    s.family = family;
+    s.nent = many;
+    return packed_values(s, packing, k);
+}
+
+std::string name_of(const std::string& kind, const Packing& packing, Family family)
+{
+    return kind + "_" + packing.name + (family == Family::legacy ? "_legacy" : "_current");
+}
+
+StateKind series_kind(Family family, const Packing& packing)
+{
+    return {name_of("series", packing, family),
+            [=](int32_t k) { return series_state(family, packing, k).path(); },
+            [=](hid_t file, int32_t k) {
+                const int32_t four = 4, one = 1;
+                VAK_SET_CHUNK_SIZE(&four);
+                const int32_t ierr =
+                    series_state(family, packing, k)
+                        .write_chosen(file, -1, {.mode = 1, .count = {1, many, 2}, .start = {0, 0, 0}});
+                VAK_SET_CHUNK_SIZE(&one);
+                return ierr;
+            },
+            [=](hid_t group, int32_t k) {
+                const auto expected = series_state(family, packing, k);
+                auto found = emptied(expected);
+                const int32_t ierr =
+                    found.read_chosen(group, 2, {.mode = 1, .count = {1, many, 2}, .start = {k, 0, 0}});
+                if (ierr >= 0 && found.index.indexval != expected.index.indexval) return -1;
+                return judged(expected, found, ierr);
+            }};
+}
+
+constexpr int32_t versions_before = 3, versions = 6;
+
+// One block, of which every call writes the next version.
+ElementResults version(Family family, const Packing& packing, int32_t k)
+{
+    ElementResults s;
+    s.family = family;
+    s.nele = many / 2;
+    s.state = 0;
+    return packed_values(s, packing, k);
+}
+
+// "State" k is there when that version or a later one is. Those before the last good one must not be.
+StateKind rewritten_kind(Family family, const Packing& packing)
+{
+    return {name_of("rewritten", packing, family),
+            [=](int32_t k) { return version(family, packing, k).path(); },
+            [=](hid_t file, int32_t k) { return version(family, packing, k).write(file); },
+            [=](hid_t group, int32_t k) {
+                auto found = emptied(version(family, packing, 0));
+                if (found.read(group, 2) < 0) return 0;
+                for (int32_t v = versions_before - 1; v < versions; ++v)
+                    if (found.res == version(family, packing, v).res) return v >= k ? 1 : 0;
+                return -1;
+            }};
+}
+
+class FullDiskChunks : public FullDisk {
+protected:
+    FullDiskChunks() { passing_room_ = 48 * 1024; }
+
+    // All ends, for which the disk is tried in small steps, take minutes.
+    static uintmax_t tries() { return std::getenv("VAK_TEST_EVERY_DISK") != nullptr ? 600 : 20; }
+};
+
+TEST_P(FullDiskChunks, loses_no_state_that_was_written_before)
+{
+    try_limits(tries(), [](uintmax_t limit) { disk().end = static_cast<off_t>(limit); });
+    EXPECT_GE(failed_, 4);
+    EXPECT_GE(succeeded_, 1);
+    EXPECT_GE(fewest_, before);
+}
+
+std::vector<StateKind> kinds()
+{
+    std::vector<StateKind> all;
+    for (const Family family : {Family::current, Family::legacy})
+        for (const Packing& packing : packings) {
+            all.push_back(series_kind(family, packing));
+            all.push_back(rewritten_kind(family, packing));
+        }
+    return all;
+}
+
+INSTANTIATE_TEST_SUITE_P(Chunks, FullDiskChunks, testing::ValuesIn(kinds()),
+                         [](const auto& kind) { return kind.param.name; });
+
+}  // namespace
+
+}  // namespace vak::test
