@@ -1,7 +1,9 @@
-// A file that another process has open: what is refused, and that nothing of it is lost.
+// A file that two processes want: who gets it, what is refused, and that nothing of it is lost.
+#include <fcntl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <csignal>
 #include <filesystem>
 #include <fstream>
 
@@ -11,124 +13,187 @@ namespace vak::test {
 
 namespace {
 
+constexpr int32_t all_modes[] = {0, 1, 2, 8, 9, 10, 13};
+
+bool creates(int32_t mode) { return mode == 0 || mode == 8; }
+bool reads(int32_t mode) { return mode == 2 || mode == 10; }
+
 std::string bytes(const std::string& name)
 {
     std::ifstream stream(name, std::ios::binary);
     return {std::istreambuf_iterator<char>(stream), {}};
 }
 
+std::string line_of_refusal(const std::string& name, int32_t mode)
+{
+    if (creates(mode)) return "VAK ERROR - vak_open - Cannot create file \"" + name + "\".\n";
+    return "VAK ERROR - vak_open - \"" + name + "\": Unable to open vak-hdf5 file.\n";
+}
+
+// Another process that opens and closes a file when told to. It has to be there before this one opens the
+// file: what is open already would be its own, too.
+class OtherProcess {
+public:
+    OtherProcess(const Routines& routines, const std::string& name)
+    {
+        EXPECT_EQ(pipe2(commands_, O_CLOEXEC), 0);
+        EXPECT_EQ(pipe2(answers_, O_CLOEXEC), 0);
+        child_ = fork();
+        if (child_ == 0) serve(routines, name);
+    }
+    OtherProcess(const OtherProcess&) = delete;
+    OtherProcess& operator=(const OtherProcess&) = delete;
+    ~OtherProcess()
+    {
+        if (child_ > 0) tell(end), wait();
+        for (const int side : {commands_[0], commands_[1], answers_[0], answers_[1]}) ::close(side);
+    }
+
+    int32_t open(int32_t mode) { return ask(mode); }
+    int32_t close() { return ask(closing); }
+    void kill()
+    {
+        ::kill(child_, SIGKILL);
+        wait();
+    }
+
+private:
+    static constexpr int32_t closing = -1, end = -2;
+    static constexpr ssize_t one_number = sizeof(int32_t);
+
+    void tell(int32_t command) { EXPECT_EQ(write(commands_[1], &command, sizeof command), one_number); }
+    int32_t ask(int32_t command)
+    {
+        tell(command);
+        int32_t answer = 4711;
+        EXPECT_EQ(read(answers_[0], &answer, sizeof answer), one_number);
+        return answer;
+    }
+    void wait()
+    {
+        waitpid(child_, nullptr, 0);
+        child_ = -1;
+    }
+
+    // What it prints is not looked at.
+    [[noreturn]] void serve(const Routines& routines, const std::string& name) const
+    {
+        const int nowhere = ::open("/dev/null", O_WRONLY);
+        dup2(nowhere, 1);
+        dup2(nowhere, 2);
+        const auto name_len = static_cast<int32_t>(name.size());
+        const int32_t none = 0, len = 5;
+        vak_id group = 0;
+        for (int32_t command = 0;
+             read(commands_[0], &command, sizeof command) == one_number && command != end;) {
+            int32_t ierr = 4711;
+            if (command == closing)
+                routines.close(&group, &ierr);
+            else
+                routines.open(name.data(), &name_len, "model", &len, "", &none, &group, &none, &command,
+                              &ierr);
+            if (write(answers_[1], &ierr, sizeof ierr) != one_number) break;
+        }
+        _exit(0);
+    }
+
+    int commands_[2] = {-1, -1};
+    int answers_[2] = {-1, -1};
+    pid_t child_ = -1;
+};
+
 }  // namespace
 
 class FileLocks : public FrameTest {
 protected:
-    // Another process that holds a file open from the constructor to the destructor.
-    class Holder {
-    public:
-        Holder(const Routines& routines, const std::string& name, int32_t option)
-        {
-            EXPECT_EQ(pipe(opened_), 0);
-            EXPECT_EQ(pipe(release_), 0);
-            child_ = fork();
-            if (child_ == 0) hold(routines, name, option);
-            char answer = 0;
-            EXPECT_EQ(read(opened_[0], &answer, 1), 1);
-            EXPECT_EQ(answer, 'y') << "the other process could not open the file";
-        }
-        Holder(const Holder&) = delete;
-        Holder& operator=(const Holder&) = delete;
-        ~Holder()
-        {
-            EXPECT_EQ(write(release_[1], "", 1), 1);
-            int status = 0;
-            waitpid(child_, &status, 0);
-            EXPECT_EQ(status, 0);
-            for (const int end : {opened_[0], opened_[1], release_[0], release_[1]}) ::close(end);
-        }
-
-    private:
-        [[noreturn]] void hold(const Routines& routines, const std::string& name, int32_t option) const
-        {
-            const auto name_len = static_cast<int32_t>(name.size());
-            const int32_t none = 0, len = 5;
-            vak_id group = 0;
-            int32_t ierr = 0;
-            routines.open(name.data(), &name_len, "model", &len, "", &none, &group, &none, &option, &ierr);
-            char go = 0;
-            const bool told =
-                write(opened_[1], ierr == 0 ? "y" : "n", 1) == 1 && read(release_[0], &go, 1) == 1;
-            routines.close(&group, &ierr);
-            _exit(told && ierr == 0 ? 0 : 1);
-        }
-
-        int opened_[2] = {-1, -1};
-        int release_[2] = {-1, -1};
-        pid_t child_ = -1;
-    };
-
-    void expect_refused(const std::string& name, int32_t mode, const std::string& line)
+    void expect_refused(const std::string& name, int32_t mode)
     {
         const Opened o = open_in_vain(name, mode);
-        EXPECT_EQ(o.ierr, -1);
+        EXPECT_EQ(o.ierr, -1) << mode;
         EXPECT_EQ(o.group, 0);
-        EXPECT_EQ(o.output, (Output{"", line}));
+        EXPECT_EQ(o.output, (Output{"", line_of_refusal(name, mode)}));
     }
+
+    // A file for each case, with something in it that the other process wants to find.
+    std::string next_file() { return made_file("run" + std::to_string(++files_) + ".h5"); }
+
+private:
+    int files_ = 0;
 };
 IN_BOTH_FAMILIES(FileLocks);
 
-TEST_P(FileLocks, file_in_use_by_another_process_is_not_created_anew_and_keeps_every_byte)
+TEST_P(FileLocks, file_that_another_process_has_open_is_shared_among_readers_alone_and_keeps_every_byte)
 {
-    const std::string name = made_file("run.h5");
-    for (const int32_t held : {1, 2, 9, 10, 13}) {
-        const Holder other(GetParam(), name, held);
+    for (const int32_t held : all_modes) {
+        const std::string name = next_file();
+        OtherProcess other(GetParam(), name);
+        ASSERT_EQ(other.open(held), 0);
         const std::string before = bytes(name);
-        for (const int32_t mode : {0, 8})
-            expect_refused(name, mode, "VAK ERROR - vak_open - Cannot create file \"" + name + "\".\n");
+        for (const int32_t mode : all_modes) {
+            if (reads(held) && reads(mode))
+                close(opened(name, mode));
+            else
+                expect_refused(name, mode);
+        }
         EXPECT_TRUE(bytes(name) == before) << held;
+        EXPECT_EQ(other.close(), 0);
     }
-    EXPECT_TRUE(exists(read_file(name), "post/inside"));
 }
 
-TEST_P(FileLocks, file_that_another_process_is_creating_is_left_to_it)
+TEST_P(FileLocks, file_that_this_process_has_open_is_shared_among_readers_alone_and_keeps_every_byte)
 {
-    const std::string name = path("run.h5");
-    {
-        const Holder other(GetParam(), name, 0);
-        expect_refused(name, 0, "VAK ERROR - vak_open - Cannot create file \"" + name + "\".\n");
-        for (const int32_t mode : {1, 2, 9, 10, 13})
-            expect_refused(name, mode,
-                           "VAK ERROR - vak_open - \"" + name + "\": Unable to open vak-hdf5 file.\n");
+    for (const int32_t held : all_modes) {
+        const std::string name = next_file();
+        OtherProcess other(GetParam(), name);
+        const vak_id group = opened(name, held);
+        const std::string before = bytes(name);
+        for (const int32_t mode : all_modes) {
+            const bool shared = reads(held) && reads(mode);
+            EXPECT_EQ(other.open(mode), shared ? 0 : -1) << held << ' ' << mode;
+            EXPECT_EQ(other.close(), shared ? 0 : -1);
+        }
+        EXPECT_TRUE(bytes(name) == before) << held;
+        close(group);
     }
+}
+
+TEST_P(FileLocks, file_is_everyones_again_when_its_last_process_has_closed_it)
+{
+    const std::string name = next_file();
+    OtherProcess first(GetParam(), name), second(GetParam(), name);
+    EXPECT_EQ(first.open(2), 0);
+    EXPECT_EQ(second.open(10), 0);
+    EXPECT_EQ(first.close(), 0);
+    expect_refused(name, 1);
+    EXPECT_EQ(second.close(), 0);
+    close(opened(name, 1));
+    EXPECT_EQ(first.open(0), 0);
+    expect_refused(name, 2);
+    EXPECT_EQ(first.close(), 0);
     EXPECT_TRUE(exists(read_file(name), "model"));
 }
 
-TEST_P(FileLocks, file_that_another_process_updates_is_not_opened)
+TEST_P(FileLocks, file_of_a_process_that_was_killed_is_free)
 {
-    const std::string name = made_file("run.h5");
-    const Holder other(GetParam(), name, 1);
-    for (const int32_t mode : {1, 2, 9, 10, 13})
-        expect_refused(name, mode,
-                       "VAK ERROR - vak_open - \"" + name + "\": Unable to open vak-hdf5 file.\n");
-}
-
-TEST_P(FileLocks, file_that_another_process_reads_is_read_but_not_updated)
-{
-    const std::string name = made_file("run.h5");
-    const Holder other(GetParam(), name, 2);
-    close(opened(name, 2));
-    close(opened(name, 10));
-    for (const int32_t mode : {1, 9, 13})
-        expect_refused(name, mode,
-                       "VAK ERROR - vak_open - \"" + name + "\": Unable to open vak-hdf5 file.\n");
-}
-
-TEST_P(FileLocks, file_is_free_again_when_the_other_process_has_closed_it)
-{
-    const std::string name = made_file("run.h5");
-    {
-        const Holder other(GetParam(), name, 1);
+    for (const int32_t held : {1, 2, 9, 10, 13}) {
+        const std::string name = next_file();
+        OtherProcess other(GetParam(), name);
+        EXPECT_EQ(other.open(held), 0);
+        other.kill();
+        close(opened(name, 1));
+        EXPECT_TRUE(exists(read_file(name), "post/inside"));
     }
-    close(opened(name, 1));
-    close(opened(name, 0));
+}
+
+TEST_P(FileLocks, of_two_processes_that_create_a_file_when_missing_one_gets_it)
+{
+    const std::string name = path("new.h5");
+    OtherProcess first(GetParam(), name), second(GetParam(), name);
+    EXPECT_EQ(first.open(13), 0);
+    EXPECT_EQ(second.open(13), -1);
+    EXPECT_EQ(first.close(), 0);
+    EXPECT_EQ(second.open(13), 0);
+    EXPECT_EQ(second.close(), 0);
 }
 
 }  // namespace vak::test
