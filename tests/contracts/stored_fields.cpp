@@ -77,14 +77,6 @@ TypeId text_type_of(size_t length, H5T_str_t padding)
     return type;
 }
 
-TypeId record_type()
-{
-    TypeId type(H5Tcreate(H5T_COMPOUND, 8), "record");
-    H5Tinsert(type, "a", 0, H5T_NATIVE_INT32);
-    H5Tinsert(type, "b", 4, H5T_NATIVE_FLOAT);
-    return type;
-}
-
 SpaceId array_space(const std::vector<hsize_t>& extents)
 {
     return {H5Screate_simple(static_cast<int>(extents.size()), extents.data(), nullptr), "space"};

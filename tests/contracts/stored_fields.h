@@ -26,7 +26,6 @@ std::vector<Field> fields_of(hid_t block);
 void remove_field(hid_t block, const Field& field);
 
 TypeId text_type_of(size_t length, H5T_str_t padding = H5T_STR_NULLTERM);
-TypeId record_type();
 SpaceId array_space(const std::vector<hsize_t>& extents);
 
 }  // namespace vak::test

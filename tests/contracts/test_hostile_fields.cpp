@@ -7,7 +7,8 @@ namespace vak::test {
 
 namespace {
 
-// What stands in place of a field.
+// What stands in place of a field, of other shapes than the field's. (What has its shape:
+// test_hostile_objects.)
 struct Odd {
     std::string name;
     std::function<TypeId()> type;
@@ -17,37 +18,18 @@ struct Odd {
 const std::vector<Odd>& odd_things()
 {
     const auto integer = [] { return TypeId(H5Tcopy(H5T_STD_I32LE), "type"); };
-    const auto wide = [] { return TypeId(H5Tcopy(H5T_STD_I64LE), "type"); };
     const auto real = [] { return TypeId(H5Tcopy(H5T_IEEE_F64BE), "type"); };
     const auto long_text = [] { return text_type_of(300); };
     const auto short_text = [] { return text_type_of(3); };
-    const auto any_text = [] { return text_type_of(H5T_VARIABLE); };
     const auto one = [] { return SpaceId(H5Screate(H5S_SCALAR), "space"); };
-    const auto none = [] { return SpaceId(H5Screate(H5S_NULL), "space"); };
     const auto four = [] { return array_space({4}); };
     const auto many = [] { return array_space({3000}); };
     const auto table = [] { return array_space({4, 4}); };
-    const auto empty = [] { return array_space({0}); };
     static const std::vector<Odd> all{
-        {"one integer", integer, one},
-        {"no integer", integer, none},
-        {"many integers", integer, many},
-        {"four integers", integer, four},
-        {"a table of integers", integer, table},
-        {"an empty array", integer, empty},
-        {"a wide integer", wide, one},
-        {"wide integers", wide, four},
-        {"many reals", real, many},
-        {"one real", real, one},
-        {"four reals", real, four},
-        {"a long text", long_text, one},
-        {"long texts", long_text, four},
-        {"short texts", short_text, four},
-        {"a short text", short_text, one},
-        {"texts of any length", any_text, four},
-        {"a text of any length", any_text, one},
-        {"a record", record_type, one},
-        {"records", record_type, four},
+        {"one integer", integer, one},    {"many integers", integer, many},
+        {"four integers", integer, four}, {"a table of integers", integer, table},
+        {"many reals", real, many},       {"four reals", real, four},
+        {"long texts", long_text, four},  {"short texts", short_text, four},
     };
     return all;
 }
@@ -130,6 +112,20 @@ TEST_P(HostileFields, odd_thing_in_place_of_a_field_is_read_or_reported)
     }
 }
 
+const std::vector<int64_t>& counts()
+{
+    static const std::vector<int64_t> all{-2147483648, -1, 0, 3, 5, 46341, 65536, 2147483647};
+    return all;
+}
+
+const std::vector<int64_t>& wide_counts()
+{
+    static const std::vector<int64_t> all{
+        std::numeric_limits<int64_t>::min(), -1, 0, 3, 2147483647, 2147483648, 4294967296,
+        std::numeric_limits<int64_t>::max()};
+    return all;
+}
+
 TEST_P(HostileFields, stored_counts_are_not_trusted)
 {
     const std::vector<Field> fields = fields_of(written(GetParam()).group());
@@ -141,8 +137,8 @@ TEST_P(HostileFields, stored_counts_are_not_trusted)
         const AttributeId attribute(H5Aopen(holder, field.name.c_str(), H5P_DEFAULT), field.name);
         const TypeId type(H5Aget_type(attribute), "type");
         if (H5Tget_class(type) != H5T_INTEGER) continue;
-        for (const int32_t count : {-2147483647 - 1, -1, 0, 3, 5, 46341, 65536, 2147483647}) {
-            EXPECT_GE(H5Awrite(attribute, H5T_NATIVE_INT32, &count), 0);
+        for (const int64_t count : H5Tget_size(type) == 8 ? wide_counts() : counts()) {
+            EXPECT_GE(H5Awrite(attribute, H5T_NATIVE_INT64, &count), 0);
             read_everything(block.group(), field.name + " is " + std::to_string(count));
         }
     }
