@@ -203,6 +203,15 @@ TEST_P(MatrixEdges, filtered_matrix_beyond_one_chunk_s_limit_is_stored_in_severa
     EXPECT_EQ(read_back.found_flags, 2);
 }
 
+TEST_P(MatrixEdges, more_points_than_memory_can_hold_are_refused)
+{
+    auto matrix = sample<DenseMatrix>();
+    EXPECT_EQ(write(matrix), success);
+    matrix.part = {.mode = 2, .counts = {std::numeric_limits<int64_t>::max()}, .starts = {0, 0}};
+    EXPECT_EQ(write(matrix), failure(-1, "VAK ERROR - out of memory\n"));
+    EXPECT_EQ(read(matrix, 4), failure(-1, "VAK ERROR - out of memory\n"));
+}
+
 TEST_P(MatrixEdges, negative_sizes_are_lengths_of_0)
 {
     auto matrix = sample<DenseMatrix>();

@@ -297,6 +297,18 @@ TEST_P(SeriesGrowth, empty_list_of_points_writes_no_states)
     }
 }
 
+TEST_P(SeriesGrowth, part_without_counts_or_starts_writes_no_states)
+{
+    const auto all = series_of(1);
+    for (const int32_t mode : {1, 2}) {
+        EXPECT_EQ(write_chosen(all, -1, {.mode = mode}), success);
+        EXPECT_EQ(write_chosen(all, -1, {.mode = mode, .count = {}, .start = {0, 0, 0}}), success);
+        EXPECT_FALSE(exists(file, all.path() + "/" + data("res")));
+    }
+    EXPECT_EQ(write_chosen(all, -1, {.mode = 1, .count = {1, 3, 2}}), success);
+    EXPECT_FALSE(exists(file, all.path() + "/" + index("indexident")));
+}
+
 TEST_P(SeriesGrowth, another_mode_is_refused_behind_the_tables)
 {
     const auto all = series_of(1);

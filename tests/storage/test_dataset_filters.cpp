@@ -16,6 +16,25 @@ TEST_F(DatasetFilters, seven_elements_are_not_filtered_and_eight_are)
     EXPECT_EQ(layout(file, "/"), "\nD seven int32 [7] compact\nD eight int32 [8] chunked(8) deflate(6)\n");
 }
 
+TEST_F(DatasetFilters, parameters_that_are_not_given_are_0_and_those_not_wanted_are_not_told)
+{
+    const auto values = numbers<int32_t>(8);
+    hsize_t dims[] = {8};
+    EXPECT_EQ(outcome([&] {
+                  return VAK_H5Dwrite("i", values.data(), integer_type, 4, 4, dims, 1, nullptr, nullptr,
+                                      whole_dataset, file, 1, nullptr);
+              }),
+              done);
+    EXPECT_EQ(layout(file, "/"), "\nD i int32 [8] chunked(8) deflate(0)\n");
+    std::vector<int32_t> found(8, -1);
+    EXPECT_EQ(outcome([&] {
+                  return VAK_H5Dread("i", found.data(), integer_type, 4, dims, 1, nullptr, nullptr,
+                                     whole_dataset, file, nullptr, nullptr);
+              }),
+              done);
+    EXPECT_EQ(found, values);
+}
+
 TEST_F(DatasetFilters, each_type_has_its_own_bits)
 {
     constexpr uint32_t all = 255;
