@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "tools/merge_join.h"
+#include "tools/same_contents.h"
 
 namespace vak {
 
@@ -49,13 +50,6 @@ bool is_text(const Type& stored)
 bool is_integer(const Type& stored)
 {
     return H5Tget_class(stored.get()) == H5T_INTEGER && H5Tget_size(stored.get()) <= sizeof(int32_t);
-}
-
-// Whether the bytes of a value mean the same in another file.
-bool stands_alone(const Type& stored)
-{
-    return H5Tis_variable_str(stored.get()) == 0 && H5Tdetect_class(stored.get(), H5T_VLEN) == 0 &&
-           H5Tdetect_class(stored.get(), H5T_REFERENCE) == 0;
 }
 
 bool copy_bytes(hid_t to, const Attribute& from, const Type& stored, const char* name)

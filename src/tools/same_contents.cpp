@@ -60,7 +60,8 @@ std::vector<std::string> link_names(hid_t group)
 
 bool same_form(const Type& type_a, const Type& type_b, const Space& a, const Space& b)
 {
-    return H5Tequal(type_a.get(), type_b.get()) > 0 && H5Sextent_equal(a.get(), b.get()) > 0;
+    return H5Tequal(type_a.get(), type_b.get()) > 0 && H5Sextent_equal(a.get(), b.get()) > 0 &&
+           stands_alone(type_a);
 }
 
 bool same_attribute(hid_t a, hid_t b, const char* name)
@@ -68,8 +69,9 @@ bool same_attribute(hid_t a, hid_t b, const char* name)
     const Attribute of_a(H5Aopen(a, name, H5P_DEFAULT)), of_b(H5Aopen(b, name, H5P_DEFAULT));
     const Type type_a(H5Aget_type(of_a.get())), type_b(H5Aget_type(of_b.get()));
     const Space space_a(H5Aget_space(of_a.get())), space_b(H5Aget_space(of_b.get()));
-    if (!same_form(type_a, type_b, space_a, space_b) || H5Tis_variable_str(type_a.get()) > 0) return false;
+    if (!same_form(type_a, type_b, space_a, space_b)) return false;
     const hsize_t bytes = H5Aget_storage_size(of_a.get());
+    if (bytes == 0) return true;
     std::vector<char> values_a(bytes), values_b(bytes);
     return H5Aread(of_a.get(), type_a.get(), values_a.data()) >= 0 &&
            H5Aread(of_b.get(), type_a.get(), values_b.data()) >= 0 && values_a == values_b;
@@ -136,8 +138,7 @@ bool same_dataset(hid_t a, hid_t b, const char* name)
     const Dataset of_a(H5Dopen2(a, name, H5P_DEFAULT)), of_b(H5Dopen2(b, name, H5P_DEFAULT));
     const Type type_a(H5Dget_type(of_a.get())), type_b(H5Dget_type(of_b.get()));
     const Space space_a(H5Dget_space(of_a.get())), space_b(H5Dget_space(of_b.get()));
-    return same_form(type_a, type_b, space_a, space_b) && H5Tis_variable_str(type_a.get()) <= 0 &&
-           same_values(of_a, of_b, type_a, space_a);
+    return same_form(type_a, type_b, space_a, space_b) && same_values(of_a, of_b, type_a, space_a);
 }
 
 bool same_object(hid_t a, hid_t b, const char* name)
@@ -149,6 +150,12 @@ bool same_object(hid_t a, hid_t b, const char* name)
 }
 
 }  // namespace
+
+bool stands_alone(const Type& stored)
+{
+    return H5Tis_variable_str(stored.get()) == 0 && H5Tdetect_class(stored.get(), H5T_VLEN) == 0 &&
+           H5Tdetect_class(stored.get(), H5T_REFERENCE) == 0;
+}
 
 bool same_contents(hid_t a, hid_t b)
 {

@@ -6,7 +6,10 @@
 namespace vak {
 
 // Attributes and datasets of the same names, shapes and values, in the groups and in their subgroups.
-// What cannot be read is not the same.
+// What cannot be read, or stands elsewhere in its file, is not the same.
 bool same_contents(hid_t a, hid_t b);
+
+// Whether the bytes of a value mean the same in another file.
+bool stands_alone(const Type& stored);
 
 }  // namespace vak
