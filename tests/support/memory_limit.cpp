@@ -1,5 +1,6 @@
 #include "support/memory_limit.h"
 
+#include <malloc.h>
 #include <sys/mman.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
@@ -20,6 +21,7 @@
 
 #ifdef VAK_COUNTS_ALLOCATIONS
 // The sanitizer's own; not every compiler comes with the header that declares them.
+extern "C" size_t __sanitizer_get_current_allocated_bytes();
 extern "C" size_t __sanitizer_get_allocated_size(const volatile void*);
 extern "C" int __sanitizer_install_malloc_and_free_hooks(void (*)(const volatile void*, size_t),
                                                          void (*)(const volatile void*));
@@ -55,6 +57,8 @@ void add(const volatile void*, size_t size)
     if (now > held->limit) _exit(beyond_limit);
 }
 
+size_t allocated() { return __sanitizer_get_current_allocated_bytes(); }
+
 void limit_memory() { __sanitizer_install_malloc_and_free_hooks(add, take_back); }
 
 #else
@@ -68,6 +72,12 @@ size_t address_space()
     return pages * static_cast<size_t>(sysconf(_SC_PAGESIZE));
 }
 
+size_t allocated()
+{
+    const struct mallinfo2 info = mallinfo2();
+    return info.uordblks + info.hblkhd;
+}
+
 void limit_memory()
 {
     const rlim_t all = address_space() + held->limit;
@@ -78,6 +88,8 @@ void limit_memory()
 #endif
 
 }  // namespace
+
+size_t allocated_bytes() { return allocated(); }
 
 Limited with_memory(size_t bytes, const std::function<bool()>& work)
 {

@@ -1,4 +1,4 @@
-// A process of its own with little memory.
+// Memory: what is in use, and a process of its own with little of it.
 #pragma once
 
 #include <cstddef>
@@ -15,5 +15,8 @@ struct Limited {
 // limited that is done, so the system refuses more. Under the address sanitizer, which reserves terabytes,
 // every allocation is counted instead and one beyond the limit ends the child.
 Limited with_memory(size_t bytes, const std::function<bool()>& work);
+
+// What this process has allocated and not given back.
+size_t allocated_bytes();
 
 }  // namespace vak::test
