@@ -85,7 +85,7 @@ FoundStorage found_filters(Join& join)
 {
     FoundStorage found;
     for (SourceBlock& source : join.sources)
-        if (found = source.filters(); found.flags != 0) break;
+        if (found = source.filters(&source == &join.ruling()); found.flags != 0) break;
     return found;
 }
 
@@ -133,7 +133,7 @@ int32_t check_extents(const Join& join, SourceBlock& source, const MergedColumn&
 int32_t add_source(const Join& join, SourceBlock& source, const Column& c,
                    std::optional<MergedColumn>& merged)
 {
-    const Stored s = source.stored(c);
+    const Stored& s = source.stored(c);
     if (!s.is_there) return 0;
     MergedColumn found{&c, memory_size(source, c, s.element), row_of(join, source, c, s)};
     const int32_t status = check_extents(join, source, found, s);

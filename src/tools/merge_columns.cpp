@@ -88,7 +88,7 @@ bool add_rows(Join& join, const MergedColumn& c, size_t i, std::vector<char>& me
 {
     MergedColumn own = c;
     if (join.kind.widens) {
-        const Stored s = join.sources[i].stored(*c.column);
+        const Stored& s = join.sources[i].stored(*c.column);
         if (!s.is_there) return true;
         own.row.assign(s.dims.begin() + 1, s.dims.end());  // as many as its counts, which were checked
     }

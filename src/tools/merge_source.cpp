@@ -4,6 +4,7 @@
 #include <new>
 
 #include "catalogue/quiet_attribute.h"
+#include "storage/found_layout.h"
 
 namespace vak {
 
@@ -27,12 +28,9 @@ Group open_section(const Group& block, const char* name)
 }  // namespace
 
 SourceBlock::SourceBlock(const Merge& merge, const MergedKind& kind, const DomainBlock& s)
-    : source(s), kind_(kind), group_(open_source(merge, s))
+    : source(s), kind_(kind), is_legacy_(merge.family == Family::legacy), group_(open_source(merge, s))
 {
-    if (merge.family == Family::current) {
-        header_ = Group(H5Gopen2(group_.get(), ".", H5P_DEFAULT));
-        return;
-    }
+    if (!is_legacy_) return;
     header_ = open_section(group_, "header");
     index_ = open_section(group_, "index");
     data_ = open_section(group_, "data");
@@ -47,19 +45,21 @@ hid_t SourceBlock::group_of(const Column& c) const
 std::optional<int32_t> SourceBlock::integer_attribute(const char* name) const
 {
     const char* const names[] = {name};
-    return integer_of(first_attribute(header_.get(), names));
+    return integer_of(first_attribute(attributes(), names));
 }
 
 std::string SourceBlock::text_attribute(const char* name) const
 {
     const char* const names[] = {name};
-    return text_of(first_attribute(header_.get(), names)).value_or("");
+    return text_of(first_attribute(attributes(), names)).value_or("");
 }
 
-Stored SourceBlock::stored(const Column& c) const
+Stored SourceBlock::find(const Column& c) const
 {
     Stored s;
-    const Dataset dataset(H5Dopen2(group_of(c), c.name, H5P_DEFAULT));
+    const hid_t group = group_of(c);
+    if (H5Lexists(group, c.name, H5P_DEFAULT) <= 0) return s;
+    Dataset dataset(H5Dopen2(group, c.name, H5P_DEFAULT));
     if (!dataset.valid()) return s;
     const Type type(H5Dget_type(dataset.get()));
     const Space space(H5Dget_space(dataset.get()));
@@ -68,7 +68,19 @@ Stored SourceBlock::stored(const Column& c) const
     s.element = H5Tget_size(type.get());
     s.dims.resize(static_cast<size_t>(std::max(rank, 0)));
     H5Sget_simple_extent_dims(space.get(), s.dims.data(), nullptr);
+    const FoundLayout layout(dataset.get());
+    s.is_plain = layout.is_usable && layout.filters == 0;
+    // Only what is contiguous has a place in the file.
+    if (H5Dget_offset(dataset.get()) != HADDR_UNDEF) s.open = std::move(dataset);
     return s;
+}
+
+const Stored& SourceBlock::stored(const Column& c)
+{
+    const auto known =
+        std::ranges::find(found_columns_, c.name, &decltype(found_columns_)::value_type::first);
+    return known != found_columns_.end() ? known->second
+                                         : found_columns_.emplace_back(c.name, find(c)).second;
 }
 
 static int32_t read_integer(hid_t group, const char* name, int32_t* value)
@@ -83,7 +95,7 @@ void SourceBlock::find_states()
     nstate = 0;
     for (const Column& c : kind_.columns) {
         if (c.role != Role::values && c.role != Role::flag && c.role != Role::index) continue;
-        const Stored s = stored(c);
+        const Stored& s = stored(c);
         if (s.is_there && !s.dims.empty()) nstate = static_cast<int64_t>(s.dims[0]);
     }
 }
@@ -102,6 +114,12 @@ int32_t SourceBlock::read_counts()
     return status;
 }
 
+bool SourceBlock::has_extents(const Column& c, const std::vector<hsize_t>& dims)
+{
+    const Stored& s = stored(c);
+    return s.is_plain && s.dims == dims;
+}
+
 int32_t SourceBlock::read_part(const Column& c, size_t element, std::vector<hsize_t> dims,
                                const Transfer& part, std::vector<char>& values)
 {
@@ -112,7 +130,7 @@ int32_t SourceBlock::read_part(const Column& c, size_t element, std::vector<hsiz
     };
     const size_t bytes = bytes_of(part.mode == hyperslab ? part.count : dims, element);
     // Much memory is taken only for what the file really has.
-    if (bytes > small_column)
+    if (bytes > small_column && !has_extents(c, dims))
         if (const int32_t status = read_into(nullptr); status != 0) return status;
     values.resize(bytes);
     return read_into(values.data());
@@ -139,11 +157,12 @@ int32_t SourceBlock::read_states(const Column& c, size_t element, const std::vec
     return read_part(c, element, dims, part, values);
 }
 
-FoundStorage SourceBlock::filters()
+FoundStorage SourceBlock::filters(bool is_ruling)
 {
     for (const Column& c : kind_.columns) {
-        const Stored s = stored(c);
-        if (!s.is_there || s.dims.empty()) continue;
+        if (!is_ruling && (c.role == Role::index || c.role == Role::common)) continue;
+        const Stored& s = stored(c);
+        if (!s.is_there || s.is_plain || s.dims.empty()) continue;
         const size_t element = c.type == real_type ? sizeof(float) : s.element;
         check(c, element, s.dims);
     }

@@ -1,8 +1,11 @@
 // A block that goes into a merged one, opened.
 #pragma once
 
+#include <deque>
 #include <optional>
 #include <string>
+#include <string_view>
+#include <utility>
 #include <vector>
 
 #include "tools/merge.h"
@@ -13,8 +16,10 @@ namespace vak {
 // How a column is stored in one block.
 struct Stored {
     bool is_there = false;
-    size_t element = 0;  // bytes
+    bool is_plain = false;  // neither filters nor anything else that a reader would have to look into
+    size_t element = 0;     // bytes
     std::vector<hsize_t> dims;
+    Dataset open{};  // opening it again by name is quick then; not kept where that holds a chunk cache
 };
 
 class SourceBlock {
@@ -26,7 +31,7 @@ public:
 
     std::optional<int32_t> integer_attribute(const char* name) const;
     std::string text_attribute(const char* name) const;
-    Stored stored(const Column&) const;
+    const Stored& stored(const Column&);  // found once
 
     // Reads a column, whole or a slab of states; the extents are those that the file must have. The buffer is
     // sized for it.
@@ -37,10 +42,12 @@ public:
     // 0 when the column can be read with these extents; nothing is read.
     int32_t check(const Column&, size_t element, const std::vector<hsize_t>& dims);
 
-    // The filters of all columns, found without reading values.
-    FoundStorage filters();
+    // The filters of its columns, found without reading values; those of the index and of what is common to
+    // the block only where that block's fields are the ones that are kept.
+    FoundStorage filters(bool is_ruling = true);
 
-    hid_t attributes() const { return header_.get(); }  // the group that holds them
+    // The group that holds them.
+    hid_t attributes() const { return is_legacy_ ? header_.get() : group_.get(); }
 
     DomainBlock source;
     int32_t count = 0;  // entities
@@ -50,12 +57,16 @@ public:
 
 private:
     hid_t group_of(const Column&) const;
+    Stored find(const Column&) const;
+    bool has_extents(const Column&, const std::vector<hsize_t>& dims);
     int32_t read_part(const Column&, size_t element, std::vector<hsize_t> dims, const Transfer&,
                       std::vector<char>& values);
     void find_states();
 
     const MergedKind& kind_;
+    bool is_legacy_;
     Group group_, header_, index_, data_;
+    std::deque<std::pair<std::string_view, Stored>> found_columns_;  // stay where they are
     FoundStorage found_;
 };
 
