@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "blocks/block.h"
+#include "tools/bytes.h"
 #include "tools/file_blocks.h"
 #include "tools/merge_order.h"
 
@@ -29,6 +30,11 @@ struct Exponents {
 // The elements that each file holds, by entity type.
 using ElementsOfFiles = std::map<std::string, std::vector<Ids>>;
 
+// Large buffers, kept from block to block: memory that is taken and given back costs more than its bytes.
+struct Scratch {
+    Bytes read, merged;
+};
+
 struct Merge {
     Family family;
     std::vector<Domain> domains;
@@ -38,6 +44,7 @@ struct Merge {
     int32_t level;  // of the report
     bool adds_domain_number;
     OrderCache orders;
+    Scratch scratch;
     ElementsOfFiles elements;
 };
 

@@ -49,19 +49,16 @@ void warn_of_repeats(const DomainBlock& s)
 int32_t find_order(Join& join)
 {
     const Column& column = *std::ranges::find(join.kind.columns, Role::ids, &Column::role);
-    std::vector<Ids> ids;
+    OrderCache::Search search(join.merge.orders);
+    Bytes& ids = join.merge.scratch.read;
     for (SourceBlock& s : join.sources) {
-        std::vector<char> values;
-        const int32_t status = s.read(column, sizeof(int32_t), {static_cast<hsize_t>(s.count)}, values);
+        const int32_t status = s.read(column, sizeof(int32_t), {static_cast<hsize_t>(s.count)}, ids);
         if (status != 0) return read_failed(join.type(), 2, status);
-        const auto* const first = reinterpret_cast<const int32_t*>(values.data());
-        ids.emplace_back(first, first + values.size() / sizeof(int32_t));
+        search.add({reinterpret_cast<const int32_t*>(ids.data()), ids.size() / sizeof(int32_t)});
     }
-    size_t rows = 0;
-    for (const Ids& of_source : ids) rows += of_source.size();
-    if (!fits_count(static_cast<int64_t>(rows)))
+    if (!fits_count(static_cast<int64_t>(search.rows())))
         return write_failed(join.type(), refuse_total(join.kind.kind));
-    join.order = join.merge.orders.find(std::move(ids));
+    join.order = search.order();
     for (size_t i = 0; i < join.sources.size(); ++i)
         if (join.order->repeats[i]) warn_of_repeats(join.sources[i].source);
     return 0;
@@ -100,7 +97,7 @@ void widen(MergedColumn& merged, const MergedColumn& other, bool rows)
 hsize_t total_of(const Join& join, SourceBlock& source, const Column& c)
 {
     const Column& of = *std::ranges::find(join.kind.columns, std::string_view(c.total_of), &Column::name);
-    std::vector<char> counts;
+    Bytes counts;
     if (source.read(of, sizeof(int32_t), source.stored(of).dims, counts) != 0) return impossible_length;
     const auto n = static_cast<int64_t>(counts.size() / sizeof(int32_t));
     return static_cast<hsize_t>(total(reinterpret_cast<const int32_t*>(counts.data()), n));
@@ -124,7 +121,7 @@ int32_t check_extents(const Join& join, SourceBlock& source, const MergedColumn&
 {
     const Extents counted = source_extents(join, source, c, c.row);
     if (s.dims == counted || (has_states(join, *c.column) && c.column->role == Role::index)) return 0;
-    std::vector<char> values;
+    Bytes values;
     const bool is_empty = std::ranges::find(counted, hsize_t{0}) != counted.end();
     return is_empty ? 0 : read_failed(join.type(), 2, source.check(*c.column, c.element, counted));
 }

@@ -21,7 +21,7 @@ struct Collectors {
 // What one file stores.
 struct Lists {
     int32_t ncoll = 0, ntyp = 0, nenttot = 0;
-    std::vector<char> idcoll, etyp, nent, entid;
+    Bytes idcoll, etyp, nent, entid;
 };
 
 constexpr Column idcoll{"idcoll", integer_type, Role::row}, etyp{"etyp", text_type, Role::row},
@@ -41,10 +41,7 @@ int32_t read_lists(SourceBlock& s, Lists& lists)
     return status;
 }
 
-const int32_t* integers_of(const std::vector<char>& bytes)
-{
-    return reinterpret_cast<const int32_t*>(bytes.data());
-}
+const int32_t* integers_of(const Bytes& bytes) { return reinterpret_cast<const int32_t*>(bytes.data()); }
 
 // False when the counts do not add up to the identifiers that are there.
 bool add_lists(const Lists& lists, Collectors& all)
@@ -72,7 +69,7 @@ bool add_lists(const Lists& lists, Collectors& all)
 // The merged block's datasets.
 struct Merged {
     std::vector<int32_t> idcoll, nent, entid;
-    std::vector<char> etyp;
+    Bytes etyp;
 };
 
 Merged flattened(const Collectors& all)
@@ -95,7 +92,7 @@ struct Header {
     std::string etypcoll;
     int32_t nindex = 0, indexic = 0;
     size_t real_size = sizeof(float);
-    std::vector<char> indexident, indexval;
+    Bytes indexident, indexval;
 };
 
 int32_t read_header(SourceBlock& lowest, Header& h)

@@ -72,7 +72,7 @@ void put_part(Block& io, const MergedColumn& c, const void* values, const Shape&
 void write_common(Join& join, Block& io, const MergedColumn& c)
 {
     const Extents extents = source_extents(join, join.ruling(), c, c.row);
-    std::vector<char> values;
+    Bytes values;
     if (has_states(join, *c.column)) {
         if (read_failed(join,
                         join.ruling().read_states(*c.column, c.element, extents, 0, extents[0], values)))
@@ -84,7 +84,7 @@ void write_common(Join& join, Block& io, const MergedColumn& c)
 }
 
 // The rows of a source may be narrower than the merged ones, or missing.
-bool add_rows(Join& join, const MergedColumn& c, size_t i, std::vector<char>& merged)
+bool add_rows(Join& join, const MergedColumn& c, size_t i, Bytes& merged)
 {
     MergedColumn own = c;
     if (join.kind.widens) {
@@ -92,24 +92,25 @@ bool add_rows(Join& join, const MergedColumn& c, size_t i, std::vector<char>& me
         if (!s.is_there) return true;
         own.row.assign(s.dims.begin() + 1, s.dims.end());  // as many as its counts, which were checked
     }
-    std::vector<char> values;
+    Bytes& values = join.merge.scratch.read;
     const Extents extents = source_extents(join, join.sources[i], c, own.row);
     if (read_failed(join, join.sources[i].read(*c.column, c.element, extents, values))) return false;
-    scatter_rows(join.order->place[i], values.data(), own.row_bytes(), merged.data(), c.row_bytes());
+    scatter_rows(*join.order, i, {values.data(), own.row_bytes()}, {merged.data(), c.row_bytes()});
     return true;
 }
 
 // From the highest file to the lowest, whose rows then stand.
 void write_rows(Join& join, Block& io, const MergedColumn& c)
 {
-    std::vector<char> merged(bytes_of(join.order->size(), c), c.column->type == text_type ? ' ' : '\0');
+    Bytes& merged = join.merge.scratch.merged;
+    merged.assign(bytes_of(join.order->size(), c), c.column->type == text_type ? ' ' : '\0');
     for (size_t i = join.sources.size(); i-- > 0;)
         if (!add_rows(join, c, i, merged)) return;
     put(io, c, merged.data(), merged_extents(join, c));
 }
 
 template <class T>
-std::vector<double> as_doubles(const std::vector<char>& values)
+std::vector<double> as_doubles(const Bytes& values)
 {
     const auto* const first = reinterpret_cast<const T*>(values.data());
     return {first, first + values.size() / sizeof(T)};
@@ -119,7 +120,7 @@ bool add_weights(Join& join, const MergedColumn& c, size_t i)
 {
     std::vector<double> weights(join.order->place[i].size(), 1.0);
     if (join.sources[i].stored(*c.column).is_there) {
-        std::vector<char> values;
+        Bytes values;
         const Extents extents = source_extents(join, join.sources[i], c, c.row);
         if (read_failed(join, join.sources[i].read(*c.column, c.element, extents, values))) return false;
         weights = c.element == sizeof(double) ? as_doubles<double>(values) : as_doubles<float>(values);

@@ -172,7 +172,7 @@ static int32_t merge_files(
     Merge merge{
         .family = family, .domains = {}, .target = target, .storage = storage_of(flags, params, real_size),
         .exponents = exponents, .level = options & 2 ? 2 : options & 1,
-        .adds_domain_number = family == Family::current && n > 1 && !(options & 4), .orders = {}, .elements = {}};
+        .adds_domain_number = family == Family::current && n > 1 && !(options & 4), .orders = {}, .scratch = {}, .elements = {}};
     for (int32_t i = 0; i < n; ++i) merge.domains.push_back({files[i], {}});
     return run(merge);
 }

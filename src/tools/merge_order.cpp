@@ -7,6 +7,7 @@ namespace vak {
 namespace {
 
 constexpr size_t kept_orders = 4;
+constexpr size_t shortest_run = 8;  // on average; shorter ones are slower than row by row
 
 struct Range {
     int64_t low = 0, high = -1;
@@ -106,6 +107,20 @@ std::vector<SharedRow> shared_rows_of(const std::vector<int32_t>& place, const s
     return rows;
 }
 
+std::vector<Run> runs_of(const std::vector<int32_t>& place)
+{
+    std::vector<Run> runs;
+    for (size_t i = 0; i < place.size(); ++i) {
+        if (!runs.empty() && place[i] == runs.back().place + runs.back().n) {
+            ++runs.back().n;
+            continue;
+        }
+        if (runs.size() == place.size() / shortest_run) return {};
+        runs.push_back({static_cast<int32_t>(i), place[i], 1});
+    }
+    return runs;
+}
+
 void find_shared_rows(Order& order)
 {
     std::vector<int32_t> slot(order.size(), -1);
@@ -127,6 +142,7 @@ Order place_all(const std::vector<Ids>& sources, Union&& all)
             place[i] = all.row(sources[s][i]);
             if (!shares.add(place[i], static_cast<int32_t>(s))) repeats = true;
         }
+        order.runs.push_back(runs_of(place));
         order.place.push_back(std::move(place));
         order.repeats.push_back(repeats);
     }
@@ -146,17 +162,46 @@ Order order_of(const std::vector<Ids>& sources)
     return place_all(sources, SortedUnion(sources, range));
 }
 
-std::shared_ptr<const Order> OrderCache::find(std::vector<Ids>&& sources)
+OrderCache::Search::Search(OrderCache& cache) : cache_(cache)
 {
-    const auto same = [&](const Entry& entry) { return entry.sources == sources; };
-    const auto found = std::find_if(entries_.begin(), entries_.end(), same);
-    if (found != entries_.end()) {
-        entries_.splice(entries_.begin(), entries_, found);
-        return found->order;
+    for (auto entry = cache.entries_.begin(); entry != cache.entries_.end(); ++entry)
+        candidates_.push_back(entry);
+}
+
+bool OrderCache::Search::begins_alike(const Entry& entry, std::span<const int32_t> ids) const
+{
+    return n_ < entry.sources.size() && std::ranges::equal(entry.sources[n_], ids);
+}
+
+void OrderCache::Search::add(std::span<const int32_t> ids)
+{
+    if (!candidates_.empty()) {
+        const Candidate last = candidates_.front();
+        std::erase_if(candidates_, [&](Candidate entry) { return !begins_alike(*entry, ids); });
+        // What was alike up to here is taken from there.
+        if (candidates_.empty())
+            own_.assign(last->sources.begin(), last->sources.begin() + static_cast<std::ptrdiff_t>(n_));
     }
-    if (entries_.size() == kept_orders) entries_.pop_back();
-    auto order = std::make_shared<const Order>(order_of(sources));
-    entries_.push_front({std::move(sources), order});
+    if (candidates_.empty()) own_.emplace_back(ids.begin(), ids.end());
+    ++n_;
+    rows_ += ids.size();
+}
+
+std::shared_ptr<const Order> OrderCache::Search::order()
+{
+    std::list<Entry>& entries = cache_.entries_;
+    for (const Candidate entry : candidates_) {
+        if (entry->sources.size() != n_) continue;
+        entries.splice(entries.begin(), entries, entry);
+        return entry->order;
+    }
+    if (!candidates_.empty()) {
+        const auto& sources = candidates_.front()->sources;
+        own_.assign(sources.begin(), sources.begin() + static_cast<std::ptrdiff_t>(n_));
+    }
+    if (entries.size() == kept_orders) entries.pop_back();
+    auto order = std::make_shared<const Order>(order_of(own_));
+    entries.push_front({std::move(own_), order});
     return order;
 }
 

@@ -12,14 +12,6 @@ namespace vak {
 
 namespace {
 
-// The length of the run of rows that stay neighbours.
-size_t run_at(const std::vector<int32_t>& place, size_t i)
-{
-    size_t n = 1;
-    while (i + n < place.size() && place[i + n] == place[i + n - 1] + 1) ++n;
-    return n;
-}
-
 // With the row's size known to the compiler a copy is a few moves.
 template <size_t bytes>
 void scatter_fixed(const std::vector<int32_t>& place, const char* from, char* to)
@@ -28,36 +20,46 @@ void scatter_fixed(const std::vector<int32_t>& place, const char* from, char* to
         std::memcpy(to + static_cast<size_t>(place[i]) * bytes, from + i * bytes, bytes);
 }
 
-void scatter_runs(const std::vector<int32_t>& place, const char* from, char* to, size_t bytes)
+void scatter_single(const std::vector<int32_t>& place, Rows<const char> from, Rows<char> to)
 {
-    for (size_t i = 0, n = 0; i < place.size(); i += n) {
-        n = run_at(place, i);
-        std::memcpy(to + static_cast<size_t>(place[i]) * bytes, from + i * bytes, n * bytes);
+    switch (to.bytes) {
+        case 4: return scatter_fixed<4>(place, from.first, to.first);
+        case 8: return scatter_fixed<8>(place, from.first, to.first);
+        case 12: return scatter_fixed<12>(place, from.first, to.first);
+        case 16: return scatter_fixed<16>(place, from.first, to.first);
+        case 24: return scatter_fixed<24>(place, from.first, to.first);
+        case 32: return scatter_fixed<32>(place, from.first, to.first);
+        default: break;
+    }
+    for (size_t i = 0; i < place.size(); ++i)
+        std::memcpy(to.at(static_cast<size_t>(place[i])), from.at(i), to.bytes);
+}
+
+void scatter_runs(const std::vector<Run>& runs, Rows<const char> from, Rows<char> to)
+{
+    for (const Run& run : runs)
+        std::memcpy(to.at(static_cast<size_t>(run.place)), from.at(static_cast<size_t>(run.row)),
+                    static_cast<size_t>(run.n) * to.bytes);
+}
+
+void scatter_narrower(const std::vector<int32_t>& place, Rows<const char> from, Rows<char> to)
+{
+    for (size_t i = 0; i < place.size(); ++i) {
+        char* const row = to.at(static_cast<size_t>(place[i]));
+        std::memset(row, 0, to.bytes);
+        std::memcpy(row, from.at(i), std::min(from.bytes, to.bytes));
     }
 }
 
 }  // namespace
 
-void scatter_rows(const std::vector<int32_t>& place, const char* from, size_t from_bytes, char* to,
-                  size_t to_bytes)
+void scatter_rows(const Order& order, size_t source, Rows<const char> from, Rows<char> to)
 {
-    if (from_bytes != to_bytes) {
-        for (size_t i = 0; i < place.size(); ++i) {
-            char* const row = to + static_cast<size_t>(place[i]) * to_bytes;
-            std::memset(row, 0, to_bytes);
-            std::memcpy(row, from + i * from_bytes, std::min(from_bytes, to_bytes));
-        }
-        return;
-    }
-    switch (to_bytes) {
-        case 4: return scatter_fixed<4>(place, from, to);
-        case 8: return scatter_fixed<8>(place, from, to);
-        case 12: return scatter_fixed<12>(place, from, to);
-        case 16: return scatter_fixed<16>(place, from, to);
-        case 24: return scatter_fixed<24>(place, from, to);
-        case 32: return scatter_fixed<32>(place, from, to);
-        default: return scatter_runs(place, from, to, to_bytes);
-    }
+    const std::vector<int32_t>& place = order.place[source];
+    if (from.bytes != to.bytes) return scatter_narrower(place, from, to);
+    if (place.empty() || to.bytes == 0) return;
+    if (order.runs[source].empty()) return scatter_single(place, from, to);
+    scatter_runs(order.runs[source], from, to);
 }
 
 Operator operator_of(const char* field)

@@ -9,9 +9,17 @@
 
 namespace vak {
 
-// Copies row i of `from` to row place[i] of `to`. Rows of `from` may be narrower; the rest becomes 0.
-void scatter_rows(const std::vector<int32_t>& place, const char* from, size_t from_bytes, char* to,
-                  size_t to_bytes);
+// Rows of equal size, one after the other.
+template <class Byte>
+struct Rows {
+    Byte* first;
+    size_t bytes;  // of a row
+
+    Byte* at(size_t row) const { return first + row * bytes; }
+};
+
+// Copies the rows of a source to their places. They may be narrower than the merged ones; the rest becomes 0.
+void scatter_rows(const Order&, size_t source, Rows<const char> from, Rows<char> to);
 
 // What becomes of the values of an entity that several domains have.
 enum class Operator { lowest, sum, average, min, max };

@@ -121,7 +121,7 @@ bool SourceBlock::has_extents(const Column& c, const std::vector<hsize_t>& dims)
 }
 
 int32_t SourceBlock::read_part(const Column& c, size_t element, std::vector<hsize_t> dims,
-                               const Transfer& part, std::vector<char>& values)
+                               const Transfer& part, Bytes& values)
 {
     const auto read_into = [&](void* at) {
         return VAK_H5Dread(c.name, at, c.type, element, dims.data(), static_cast<int32_t>(dims.size()),
@@ -142,14 +142,13 @@ int32_t SourceBlock::check(const Column& c, size_t element, const std::vector<hs
                        nullptr, nullptr, whole_dataset, group_of(c), &found_.flags, found_.params.data());
 }
 
-int32_t SourceBlock::read(const Column& c, size_t element, const std::vector<hsize_t>& dims,
-                          std::vector<char>& values)
+int32_t SourceBlock::read(const Column& c, size_t element, const std::vector<hsize_t>& dims, Bytes& values)
 {
     return read_part(c, element, dims, whole(), values);
 }
 
 int32_t SourceBlock::read_states(const Column& c, size_t element, const std::vector<hsize_t>& dims,
-                                 hsize_t first, hsize_t n, std::vector<char>& values)
+                                 hsize_t first, hsize_t n, Bytes& values)
 {
     Transfer part{hyperslab, dims, std::vector<hsize_t>(dims.size(), 0)};
     part.count[0] = n;

@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "tools/bytes.h"
 #include "tools/merge.h"
 #include "tools/merge_kinds.h"
 
@@ -35,9 +36,9 @@ public:
 
     // Reads a column, whole or a slab of states; the extents are those that the file must have. The buffer is
     // sized for it.
-    int32_t read(const Column&, size_t element, const std::vector<hsize_t>& dims, std::vector<char>& values);
+    int32_t read(const Column&, size_t element, const std::vector<hsize_t>& dims, Bytes& values);
     int32_t read_states(const Column&, size_t element, const std::vector<hsize_t>& dims, hsize_t first,
-                        hsize_t n, std::vector<char>& values);
+                        hsize_t n, Bytes& values);
 
     // 0 when the column can be read with these extents; nothing is read.
     int32_t check(const Column&, size_t element, const std::vector<hsize_t>& dims);
@@ -60,7 +61,7 @@ private:
     Stored find(const Column&) const;
     bool has_extents(const Column&, const std::vector<hsize_t>& dims);
     int32_t read_part(const Column&, size_t element, std::vector<hsize_t> dims, const Transfer&,
-                      std::vector<char>& values);
+                      Bytes& values);
     void find_states();
 
     const MergedKind& kind_;

@@ -39,7 +39,7 @@ hsize_t states_per_slice(const Join& join, const MergedColumn& c)
     return std::min(allowed, std::max<hsize_t>(slice_bytes / state_bytes / chunk, 1) * chunk);
 }
 
-int32_t read_slice(Join& join, size_t i, const MergedColumn& c, const Slice& slice, std::vector<char>& values)
+int32_t read_slice(Join& join, size_t i, const MergedColumn& c, const Slice& slice, Bytes& values)
 {
     SourceBlock& source = join.sources[i];
     const Extents extents = source_extents(join, source, c, c.row);
@@ -47,14 +47,16 @@ int32_t read_slice(Join& join, size_t i, const MergedColumn& c, const Slice& sli
     return source.read_states(*c.column, c.element, extents, slice.first, slice.n, values);
 }
 
-// Calls merge_slice(slice, merged) for each slice and writes what it made; false from it ends the column.
+// Calls merge_slice(slice, merged), which sets every byte, for each slice and writes what it made; false from
+// it ends the column.
 template <class MergeSlice>
 void write_slices(Join& join, Block& io, const MergedColumn& c, MergeSlice merge_slice)
 {
     const hsize_t states = states_of(join, *c.column), step = states_per_slice(join, c);
     for (hsize_t at = 0; at < states && !io.stopped; at += step) {
         const Slice slice{at, std::min(step, states - at)};
-        std::vector<char> merged(bytes_of(join.order->size() * slice.n, c));
+        Bytes& merged = join.merge.scratch.merged;
+        merged.resize(bytes_of(join.order->size() * slice.n, c));
         if (!merge_slice(slice, merged)) return;
         Extents extents = merged_extents(join, c);
         if (!has_states(join, *c.column)) return put(io, c, merged.data(), extents);
@@ -80,7 +82,7 @@ std::vector<Operator> operators_of(Join& join, const MergedColumn& c)
     };
     const auto column = std::ranges::find_if(join.columns, is_operator);
     if (column == join.columns.end() || !join.weights) return {};
-    std::vector<char> fields;
+    Bytes fields;
     if (read_failed(join, join.ruling().read(*column->column, 256, column->row, fields))) return {};
     const bool is_complex = join.ruling().source.key == join.kind.kind.complex_key;
     const size_t parts = is_complex ? 2 : 1, ncoo = std::max<size_t>(fields.size() / 256, 1);
@@ -91,19 +93,20 @@ std::vector<Operator> operators_of(Join& join, const MergedColumn& c)
 
 template <class T>
 bool merge_values(Join& join, const MergedColumn& c, const std::vector<Operator>& ops, const Slice& slice,
-                  std::vector<char>& merged)
+                  Bytes& merged)
 {
     const size_t state_bytes = bytes_of(join.order->size(), c), row_bytes = c.row_bytes();
     std::vector<SharedValues> shared;
     for (hsize_t state = 0; state < slice.n && !ops.empty() && !join.order->shared.empty(); ++state)
         shared.emplace_back(*join.order, ops);
-    std::vector<char> values;
+    Bytes& values = join.merge.scratch.read;
+    // Each row of the merged block is some source's, so none is left as it was.
     for (size_t i = join.sources.size(); i-- > 0;) {
         if (read_failed(join, read_slice(join, i, c, slice, values))) return false;
-        const std::vector<int32_t>& place = join.order->place[i];
+        const size_t source_bytes = join.order->place[i].size() * row_bytes;
         for (hsize_t state = 0; state < slice.n; ++state) {
-            const char* const from = values.data() + state * place.size() * row_bytes;
-            scatter_rows(place, from, row_bytes, merged.data() + state * state_bytes, row_bytes);
+            const char* const from = values.data() + state * source_bytes;
+            scatter_rows(*join.order, i, {from, row_bytes}, {merged.data() + state * state_bytes, row_bytes});
             if (!shared.empty()) shared[state].add(i, reinterpret_cast<const T*>(from), *join.weights);
         }
     }
@@ -116,8 +119,9 @@ bool merge_values(Join& join, const MergedColumn& c, const std::vector<Operator>
 
 void write_flags(Join& join, Block& io, const MergedColumn& c)
 {
-    write_slices(join, io, c, [&](const Slice& slice, std::vector<char>& merged) {
-        std::vector<char> values;
+    write_slices(join, io, c, [&](const Slice& slice, Bytes& merged) {
+        Bytes& values = join.merge.scratch.read;
+        std::ranges::fill(merged, '\0');
         for (size_t i = 0; i < join.sources.size(); ++i) {
             if (read_failed(join, read_slice(join, i, c, slice, values))) return false;
             const std::vector<int32_t>& place = join.order->place[i];
@@ -133,7 +137,7 @@ void write_values(Join& join, Block& io, const MergedColumn& c)
 {
     const std::vector<Operator> ops = operators_of(join, c);
     if (join.read_status != 0) return;
-    write_slices(join, io, c, [&](const Slice& slice, std::vector<char>& merged) {
+    write_slices(join, io, c, [&](const Slice& slice, Bytes& merged) {
         return c.element == sizeof(double) ? merge_values<double>(join, c, ops, slice, merged)
                                            : merge_values<float>(join, c, ops, slice, merged);
     });

@@ -8,6 +8,7 @@
 #include <set>
 
 #include "tools/merge_order.h"
+#include "tools/merge_rows.h"
 
 using namespace vak;
 
@@ -36,6 +37,7 @@ void expect_order(const std::vector<Ids>& sources)
     ASSERT_EQ(order.place.size(), sources.size());
     ASSERT_EQ(order.shared_rows.size(), sources.size());
     ASSERT_EQ(order.repeats.size(), sources.size());
+    ASSERT_EQ(order.runs.size(), sources.size());
     for (size_t s = 0; s < sources.size(); ++s) {
         ASSERT_EQ(order.place[s].size(), sources[s].size());
         std::vector<SharedRow> expected;
@@ -105,25 +107,82 @@ TEST(MergeOrder, is_that_of_a_plain_sort_on_any_identifiers)
     }
 }
 
+std::shared_ptr<const Order> find(OrderCache& cache, const std::vector<Ids>& tables)
+{
+    OrderCache::Search search(cache);
+    size_t rows = 0;
+    for (const Ids& table : tables) {
+        search.add(table);
+        rows += table.size();
+    }
+    EXPECT_EQ(search.rows(), rows);
+    const auto order = search.order();
+    const Order expected = order_of(tables);
+    EXPECT_EQ(order->ids, expected.ids);
+    EXPECT_EQ(order->place, expected.place);
+    return order;
+}
+
 TEST(MergeOrder, is_found_once_for_the_same_tables)
 {
     OrderCache cache;
     const std::vector<Ids> tables{{1, 2}, {2, 3}};
-    const auto first = cache.find(std::vector<Ids>(tables));
-    EXPECT_EQ(cache.find(std::vector<Ids>(tables)), first);
-    const auto other = cache.find({{2, 1}, {2, 3}});
+    const auto first = find(cache, tables);
+    EXPECT_EQ(find(cache, tables), first);
+    const auto other = find(cache, {{2, 1}, {2, 3}});
     EXPECT_NE(other, first);
     EXPECT_EQ(other->place[0], (std::vector<int32_t>{1, 0}));
-    EXPECT_EQ(cache.find(std::vector<Ids>(tables)), first);
+    EXPECT_EQ(find(cache, tables), first);
+}
+
+TEST(MergeOrder, tells_tables_apart_that_begin_alike)
+{
+    OrderCache cache;
+    const auto three = find(cache, {{1, 2}, {2, 3}, {4}});
+    const auto two = find(cache, {{1, 2}, {2, 3}});
+    const auto longer = find(cache, {{1, 2}, {2, 3}, {4}, {}});
+    const auto last = find(cache, {{1, 2}, {2, 3}, {5}});
+    EXPECT_EQ(find(cache, {{1, 2}, {2, 3}, {4}}), three);
+    EXPECT_EQ(find(cache, {{1, 2}, {2, 3}}), two);
+    EXPECT_EQ(find(cache, {{1, 2}, {2, 3}, {4}, {}}), longer);
+    EXPECT_EQ(find(cache, {{1, 2}, {2, 3}, {5}}), last);
+    EXPECT_TRUE(find(cache, {})->ids.empty());
 }
 
 TEST(MergeOrder, forgets_the_tables_that_were_not_used_for_longest)
 {
     OrderCache cache;
-    const auto first = cache.find({{0}});
-    for (int32_t id = 1; id < 20; ++id) EXPECT_EQ(cache.find({{id}})->ids, (Ids{id}));
+    const auto first = find(cache, {{0}});
+    for (int32_t id = 1; id < 20; ++id) EXPECT_EQ(find(cache, {{id}})->ids, (Ids{id}));
     EXPECT_EQ(first->ids, (Ids{0}));
-    EXPECT_NE(cache.find({{0}}), first);
+    EXPECT_NE(find(cache, {{0}}), first);
+}
+
+// Rows with long runs of neighbours are copied by the run, others one by one.
+TEST(MergeOrder, puts_rows_of_any_size_in_their_places)
+{
+    Ids neighbours(64), scattered(64), both;
+    for (int32_t i = 0; i < 64; ++i) {
+        neighbours[static_cast<size_t>(i)] = 100 + i;
+        scattered[static_cast<size_t>(i)] = i * 37 % 64 * 5;
+    }
+    both = neighbours;
+    both.insert(both.end(), scattered.begin() + 3, scattered.begin() + 9);
+    const std::vector<Ids> sources{neighbours, scattered, both, {}};
+    const Order order = order_of(sources);
+    EXPECT_TRUE(order.runs[1].empty());
+    EXPECT_FALSE(order.runs[2].empty());
+    for (const size_t bytes : {1U, 4U, 8U, 12U, 16U, 20U, 24U, 32U, 256U}) {
+        for (size_t s = 0; s < sources.size(); ++s) {
+            std::vector<char> from(sources[s].size() * bytes), to(order.size() * bytes, '?'), expected = to;
+            for (size_t i = 0; i < from.size(); ++i) from[i] = static_cast<char>(i * 7 + s);
+            for (size_t i = 0; i < sources[s].size(); ++i)
+                std::copy_n(&from[i * bytes], bytes,
+                            &expected[static_cast<size_t>(order.place[s][i]) * bytes]);
+            scatter_rows(order, s, {from.data(), bytes}, {to.data(), bytes});
+            EXPECT_EQ(to, expected) << bytes << " bytes, source " << s;
+        }
+    }
 }
 
 }  // namespace
