@@ -21,7 +21,7 @@ FACES = {"TE4": TETRAHEDRON, "TE10": TETRAHEDRON, "HE8": BRICK, "HE20": BRICK, "
 
 
 class Model:
-    """Nodes, elements, and the results of the last state that has displacements and stresses."""
+    """Nodes, elements, and the last displacements and stresses."""
 
     def __init__(self, path):
         with h5py.File(path, "r") as file:
@@ -32,9 +32,12 @@ class Model:
             self.elements = {name: group["vakblock/ic"][:] for name, group in root["constant/connectivities"].items()
                              if name in FACES}
             states = [state["entityresults/NODE"] for _, state in sorted(root["singlestate"].items())]
-            results = [state for state in states if "DISP" in state and "STRESS" in state][-1]
-            self.displacement = self.magnitude(self.at_nodes(results["DISP/vakblock"]))
-            self.stress = self.von_mises(self.at_nodes(results["STRESS/vakblock"]))
+            self.displacement = self.magnitude(self.at_nodes(self.last(states, "DISP")))
+            self.stress = self.von_mises(self.at_nodes(self.last(states, "STRESS")))
+
+    @staticmethod
+    def last(states, name):
+        return [state[name] for state in states if name in state][-1]["vakblock"]
 
     def at_nodes(self, block):
         values = np.zeros((self.nodes.max() + 1,) + block["res"].shape[1:])
