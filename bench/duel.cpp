@@ -25,6 +25,7 @@ struct Cost {
 struct Result {
     Job job;
     Cost ours, plain;
+    std::string remark;
 };
 
 std::vector<Result> results;
@@ -74,7 +75,7 @@ double processor_ratio(const Result& r) { return median_ratio(r.ours.processor, 
 
 void fight(benchmark::State& state, const Job& job, const std::function<Contest()>& make)
 {
-    Result result{job, {}, {}};
+    Result result{job, {}, {}, {}};
     const Contest contest = make();
     Result warm_up = result;
     fight_round(warm_up, contest, true);
@@ -84,6 +85,7 @@ void fight(benchmark::State& state, const Job& job, const std::function<Contest(
         state.SetIterationTime(result.ours.wall.back());
     }
     contest.check();
+    result.remark = contest.remark();
     state.counters["plain_s"] = median(result.plain.wall);
     state.counters["ratio"] = ratio(result);
     state.counters["cpu_ratio"] = processor_ratio(result);
@@ -119,8 +121,8 @@ void print_table()
     std::printf(
         "\n| Job | Ours s | Plain HDF5 s | Ratio | of processor time | Aim |\n|---|---|---|---|---|---|\n");
     for (const Result& r : results)
-        std::printf("| %s | %.4f | %.4f | %.2f | %.2f | %.2f |\n", r.job.name, median(r.ours.wall),
-                    median(r.plain.wall), ratio(r), processor_ratio(r), r.job.aim);
+        std::printf("| %s%s | %.4f | %.4f | %.2f | %.2f | %.2f |\n", r.job.name, r.remark.c_str(),
+                    median(r.ours.wall), median(r.plain.wall), ratio(r), processor_ratio(r), r.job.aim);
 }
 
 std::string file_name(const std::string& name)

@@ -12,6 +12,9 @@ struct Contest {
     std::function<void()> ours, plain;
     std::function<void()> before = [] {};  // each side, not timed
     std::function<void()> check = [] {};   // both did the same; after the last round, not timed
+    std::function<std::string()> remark = [] {
+        return std::string();
+    };  // behind the job's name, when it is done
 };
 
 struct Job {
