@@ -211,6 +211,34 @@ TEST_P(HostileObjects, in_place_of_a_field_read_as_before_or_are_refused_by_its_
     EXPECT_THAT(not_needed, testing::IsSubsetOf({"blocktype", "nstate"}));
 }
 
+// Legacy blocks keep their fields in subgroups.
+std::vector<std::string> subgroups_of(hid_t block)
+{
+    std::vector<std::string> found;
+    for (const char* name : {"header", "index", "data"})
+        if (exists(block, name)) found.emplace_back(name);
+    return found;
+}
+
+TEST_P(HostileObjects, in_place_of_a_subgroup_read_as_before_or_are_told_to_be_missing)
+{
+    const std::set<std::string> links{"a soft link", "a hard link", "an external link"};
+    const std::set<std::string> others{"a link that leads nowhere", "a link to itself",
+                                       "an external link to no file", "a type", "an enumeration"};
+    const ObjectId block = written_block();
+    const Result sound = read(block);
+    for (const std::string& name : subgroups_of(block)) {
+        const Field subgroup{".", name, false, H5T_NO_CLASS, 0, {}};
+        const Result missing = failure(-1, "VAK ERROR - " + name + " not found\n");
+        EXPECT_EQ(read_without(block, subgroup), missing);
+        for (const Substitute& s : substitutes()) {
+            if (!links.contains(s.name) && !others.contains(s.name)) continue;
+            EXPECT_EQ(read_with(block, subgroup, s), links.contains(s.name) ? sound : missing)
+                << s.name << " as " << name;
+        }
+    }
+}
+
 INSTANTIATE_TEST_SUITE_P(Contracts, HostileObjects, testing::ValuesIn(all_samples()),
                          [](const auto& sample) { return sample.param.name; });
 
