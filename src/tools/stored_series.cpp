@@ -67,7 +67,7 @@ size_t bytes_of(const StoredSeries& s, const hsize_t* extents)
 bool has_plausible_chunks(const StoredSeries& s)
 {
     const size_t nominal = chunk_bytes(s);
-    const size_t largest = nominal + nominal / 8 + 64 * 1024;
+    const size_t largest = nominal + nominal / 8 + size_t{64} * 1024;
     return std::ranges::all_of(s.chunks, [&](const StoredChunkPlace& c) { return c.bytes <= largest; });
 }
 
@@ -87,7 +87,7 @@ bool open_series(StoredSeries& s)
 std::span<const StoredChunkPlace> chunks_of(const StoredSeries& s, hsize_t state)
 {
     const StoredChunkPlace row{{state - state % s.chunk[0]}, 0};
-    const auto [first, last] = std::ranges::equal_range(s.chunks, row, earlier);
+    const auto [first, last] = std::equal_range(s.chunks.begin(), s.chunks.end(), row, earlier);
     return {first, last};
 }
 
