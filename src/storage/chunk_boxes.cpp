@@ -138,8 +138,7 @@ bool write_box(const ChunkTransfer& transfer, ChunkedDataset& chunks, const void
     const bool good = every_chunk(move.box, chunks.chunk(), [&](const Overlap& o) {
         return write_one(move, o, static_cast<const unsigned char*>(data));
     });
-    chunks.forget_last_chunk();
-    return good;
+    return good && chunks.finish();
 }
 
 bool read_box(const ChunkTransfer& transfer, ChunkedDataset& chunks, void* data)

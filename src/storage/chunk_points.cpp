@@ -87,8 +87,7 @@ bool write_points(const ChunkTransfer& transfer, ChunkedDataset& chunks, const v
     const bool good = every_chunk(move, [&](const Extents& corner, Points points) {
         return write_one(move, corner, points, static_cast<const unsigned char*>(data));
     });
-    chunks.forget_last_chunk();
-    return good;
+    return good && chunks.finish();
 }
 
 bool read_points(const ChunkTransfer& transfer, ChunkedDataset& chunks, void* data)

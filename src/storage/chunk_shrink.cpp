@@ -95,8 +95,8 @@ bool shrink_dataset(hid_t dataset, std::span<const hsize_t> extents, std::span<c
     if (chunks.is_ours() && chunks.is_filtered()) keep_cut_chunks(chunks, maximum, kept);
     bool good = H5Dset_extent(dataset, extents.data()) >= 0;
     for (const KeptChunk& chunk : kept) good = put_back(chunks, chunk) && good;
-    chunks.forget_last_chunk();
-    return good;
+    chunks.finish();
+    return H5Fflush(dataset, H5F_SCOPE_LOCAL) >= 0 && good;
 }
 
 }  // namespace vak

@@ -159,6 +159,7 @@ bool ChunkedDataset::replace(const Extents& corner, const StoredChunk& chunk)
 {
     const bool stays = held_.size == chunk.size && held_.mask == chunk.mask;
     if (!stays && !has_room(chunk)) return false;
+    moved_ = moved_ || !stays;
     if (stays ? store(corner, chunk) : move(corner, chunk, held_.size)) return true;
     if (stays) {
         store(corner, held_);
@@ -178,6 +179,13 @@ void ChunkedDataset::forget_last_chunk() const
         if (chunk_[i] <= extents_[i]) other[i] = chunk_[i];
     }
     stored_size(other);
+}
+
+// The places that were given up may be used by whatever is written next.
+bool ChunkedDataset::finish() const
+{
+    forget_last_chunk();
+    return !moved_ || H5Fflush(dataset_, H5F_SCOPE_LOCAL) >= 0;
 }
 
 }  // namespace vak

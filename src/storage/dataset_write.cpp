@@ -88,6 +88,18 @@ int32_t grow(const DatasetWrite& w, Target& target, Extents present)
     return status < 0 ? fail(w, 100, status, -3100) : 0;
 }
 
+// Whether chunks that the file has already may be packed anew.
+bool repacks(const DatasetWrite& w, const Target& target)
+{
+    if (!target.list.valid()) return false;
+    if (!w.extendible() || w.part.mode != hyperslab) return true;
+    Extents chunk{};
+    if (H5Pget_chunk(target.list.get(), H5S_MAX_RANK, chunk.data()) < 0) return false;
+    for (size_t i = 0; i < w.dims.size(); ++i)
+        if (w.start[i] / chunk[i] * chunk[i] >= target.before[i]) return false;
+    return true;
+}
+
 int32_t open_dataset(DatasetWrite& w, Target& target)
 {
     target.dataset = Dataset(H5Dopen2(w.location.id, w.name, H5P_DEFAULT));
@@ -110,6 +122,10 @@ int32_t open_dataset(DatasetWrite& w, Target& target)
     w.memory_type = memory_type_beside(found, w.type, w.memory_type, w.data_size);
     target.found_type = std::move(found.id);
     target.list = std::move(layout.list);
+    // Chunks that are packed anew move. So what the file says of them must be true now, and hold until it
+    // says all that this call changes; that needs no more room then.
+    target.repacks = repacks(w, target);
+    if (target.repacks && H5Fflush(dataset, H5F_SCOPE_LOCAL) < 0) return fail(w, 999, -1, -3999);
     return w.extendible() ? grow(w, target, present) : 0;
 }
 
@@ -151,6 +167,7 @@ Direct write_by_chunks(const DatasetWrite& w, const Target& target)
     return write_chunks({.dataset = target.dataset.get(),
                          .list = target.list.get(),
                          .list_is_its_own = !target.is_new,
+                         .repacks = target.repacks,
                          .type = w.type,
                          .data_size = w.data_size,
                          .memory_type = w.memory_type,

@@ -37,6 +37,7 @@ struct Target {
     Type found_type;   // of one that existed; of texts in memory, too
     Properties list;   // with which it was created, where it is filtered or new and chunked
     bool is_new = false;
+    bool repacks = false;  // filtered chunks that the file had before
 };
 
 // Prints the line of that number and gives the code that belongs to it.

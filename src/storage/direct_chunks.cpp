@@ -40,11 +40,12 @@ bool reaches(std::span<const hsize_t> counts, size_t element_size, size_t bytes)
     return elements_of(counts, element_size).value_or(0) >= bytes / element_size;
 }
 
-// Scale-offset is never HDF5's. Of datasets without filters those that grow are chunked.
+// Scale-offset is never HDF5's, nor is what a full disk could take from the file. Of datasets without filters
+// those that grow are chunked.
 bool may_pay(const ChunkTransfer& t)
 {
     const H5Z_filter_t filter = first_filter(t);
-    if (filter == H5Z_FILTER_SCALEOFFSET) return true;
+    if (filter == H5Z_FILTER_SCALEOFFSET || t.repacks) return true;
     if (filter >= 0) return reaches(t.extents, t.data_size, fewest_bytes_filtered);
     return t.part.mode != point_list && has_entry(t.maximum, H5S_UNLIMITED) &&
            reaches(t.part.counts(), t.data_size, fewest_bytes_unfiltered);
@@ -55,7 +56,7 @@ bool may_pay(const ChunkTransfer& t)
 bool is_ours(const ChunkTransfer& t, const ChunkedDataset& chunks)
 {
     if (!chunks.is_ours() || !forms_match(t, chunks)) return false;
-    if (t.part.mode == point_list) return chunks.has_scale_offset();
+    if (t.part.mode == point_list) return chunks.has_scale_offset() || t.repacks;
     return chunks.is_filtered() || takes_whole_chunks(t, chunks);
 }
 

@@ -15,6 +15,7 @@ struct ChunkTransfer {
     hid_t dataset = H5I_INVALID_HID;
     hid_t list = H5I_INVALID_HID;  // of its creation; may be absent where there are no filters
     bool list_is_its_own = true;   // not the one with which it was made just now
+    bool repacks = false;          // filtered chunks that the file had before this call
     int32_t type = 0;              // type code
     size_t data_size = 0;
     hid_t memory_type = H5I_INVALID_HID;

@@ -11,26 +11,29 @@ struct Packing {
     std::string name;
     int32_t flags;
     int32_t digits = 2, level = 1;
+    int32_t nent = many;
 };
 
 const std::vector<Packing> packings = {{.name = "deflated", .flags = 2},
                                        {.name = "shuffled_and_deflated", .flags = 2 + 16},
                                        {.name = "scaled", .flags = 64 + 128},
-                                       {.name = "scaled_and_deflated", .flags = 64 + 128 + 1 + 2}};
+                                       {.name = "scaled_and_deflated", .flags = 64 + 128 + 1 + 2},
+                                       {.name = "small", .flags = 2 + 16, .nent = 100}};
 
 // Values that no filter rounds; those of later states take more room.
 template <class S>
 S packed_values(S s, const Packing& packing, int32_t k)
 {
-    s.tables.ids.assign(many, 7);
-    s.tables.fid.assign(many, 8);
-    s.tables.weight.assign(many, 1);
+    const auto nent = static_cast<size_t>(packing.nent);
+    s.tables.ids.assign(nent, 7);
+    s.tables.fid.assign(nent, 8);
+    s.tables.weight.assign(nent, 1);
     s.index.indexident.clear();
     s.index.indexval.clear();
     s.flags = packing.flags;
     s.params[0] = packing.digits;
     s.params[1] = packing.level;
-    s.res.resize(many * 2);
+    s.res.resize(nent * 2);
     for (size_t i = 0; i < s.res.size(); ++i)
         s.res[i] = static_cast<float>(k + 1) + static_cast<float>(i * 7919 % (100U << k)) / 4;
     s.index.nindex = 8;
@@ -45,7 +48,7 @@ MultiEntityResults series_state(Family family, const Packing& packing, int32_t k
 {
     MultiEntityResults s;
     s.family = family;
-    s.nent = many;
+    s.nent = packing.nent;
     return packed_values(s, packing, k);
 }
 
@@ -56,25 +59,26 @@ std::string name_of(const std::string& kind, const Packing& packing, Family fami
 
 StateKind series_kind(Family family, const Packing& packing)
 {
-    return {name_of("series", packing, family),
-            [=](int32_t k) { return series_state(family, packing, k).path(); },
-            [=](hid_t file, int32_t k) {
-                const int32_t four = 4, one = 1;
-                VAK_SET_CHUNK_SIZE(&four);
-                const int32_t ierr =
-                    series_state(family, packing, k)
-                        .write_chosen(file, -1, {.mode = 1, .count = {1, many, 2}, .start = {0, 0, 0}});
-                VAK_SET_CHUNK_SIZE(&one);
-                return ierr;
-            },
-            [=](hid_t group, int32_t k) {
-                const auto expected = series_state(family, packing, k);
-                auto found = emptied(expected);
-                const int32_t ierr =
-                    found.read_chosen(group, 2, {.mode = 1, .count = {1, many, 2}, .start = {k, 0, 0}});
-                if (ierr >= 0 && found.index.indexval != expected.index.indexval) return -1;
-                return judged(expected, found, ierr);
-            }};
+    return {
+        name_of("series", packing, family),
+        [=](int32_t k) { return series_state(family, packing, k).path(); },
+        [=](hid_t file, int32_t k) {
+            const int32_t four = 4, one = 1;
+            VAK_SET_CHUNK_SIZE(&four);
+            const int32_t ierr =
+                series_state(family, packing, k)
+                    .write_chosen(file, -1, {.mode = 1, .count = {1, packing.nent, 2}, .start = {0, 0, 0}});
+            VAK_SET_CHUNK_SIZE(&one);
+            return ierr;
+        },
+        [=](hid_t group, int32_t k) {
+            const auto expected = series_state(family, packing, k);
+            auto found = emptied(expected);
+            const int32_t ierr =
+                found.read_chosen(group, 2, {.mode = 1, .count = {1, packing.nent, 2}, .start = {k, 0, 0}});
+            if (ierr >= 0 && found.index.indexval != expected.index.indexval) return -1;
+            return judged(expected, found, ierr);
+        }};
 }
 
 constexpr int32_t versions_before = 3, versions = 6;
@@ -84,7 +88,7 @@ ElementResults version(Family family, const Packing& packing, int32_t k)
 {
     ElementResults s;
     s.family = family;
-    s.nele = many / 2;
+    s.nele = packing.nent / 2;
     s.state = 0;
     return packed_values(s, packing, k);
 }
@@ -106,17 +110,45 @@ StateKind rewritten_kind(Family family, const Packing& packing)
 
 class FullDiskChunks : public FullDisk {
 protected:
-    FullDiskChunks() { passing_room_ = 48 * 1024; }
+    FullDiskChunks() { reach_ = 2; }
 
-    // All ends, for which the disk is tried in small steps, take minutes.
-    static uintmax_t tries() { return std::getenv("VAK_TEST_EVERY_DISK") != nullptr ? 600 : 20; }
+    // All disks take many minutes.
+    static bool every_disk() { return std::getenv("VAK_TEST_EVERY_DISK") != nullptr; }
 };
 
 TEST_P(FullDiskChunks, loses_no_state_that_was_written_before)
 {
-    try_limits(tries(), [](uintmax_t limit) { disk().end = static_cast<off_t>(limit); });
+    try_limits(every_disk() ? 200 : 10, [](uintmax_t limit) { disk().end = static_cast<off_t>(limit); });
     EXPECT_GE(failed_, 4);
     EXPECT_GE(succeeded_, 1);
+    EXPECT_GE(fewest_, before);
+}
+
+// Writes that fail, one after the other, each on a disk of its own.
+TEST_P(FullDiskChunks, a_write_that_fails_loses_no_state_that_was_written_before)
+{
+    ASSERT_NO_FATAL_FAILURE(begin());
+    try_disk([] {});
+    const long writes = written_.writes;
+    for (const Fault fault : {Fault::io_error_once, Fault::torn_once})
+        for (long at = 0; at < writes; at += every_disk() ? 1 : writes / 5 + 1) {
+            SCOPED_TRACE(at);
+            try_disk([&] { disk().fail(fault, at); });
+        }
+    EXPECT_GE(failed_, 4);
+    EXPECT_GE(fewest_, before);
+}
+
+// The first states were flushed when their file was closed.
+TEST_P(FullDiskChunks, a_kill_after_a_later_call_loses_no_state_that_was_flushed)
+{
+    ASSERT_NO_FATAL_FAILURE(begin());
+    for (int32_t last = before; last < after; ++last)
+        try_disk([&] {
+            const vak_id group = open(path("cut.h5"), 9);
+            for (int32_t k = before; k <= last; ++k) GetParam().append(group, k);
+            _exit(1);
+        });
     EXPECT_GE(fewest_, before);
 }
 
