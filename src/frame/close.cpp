@@ -1,6 +1,7 @@
 // Closing a file with all that is open in it, and flushing.
 #include <hdf5.h>
 
+#include <algorithm>
 #include <vector>
 
 #include "frame/exported.h"
@@ -24,8 +25,9 @@ bool flush(hid_t file)
 // A file whose last flush fails stays open at first. Asked once more HDF5 lets go of it.
 bool close_every_reference(hid_t id, Close close)
 {
-    bool sound = true;
-    for (int left = H5Iget_ref(id) + 1; left > 0 && H5Iis_valid(id) > 0; --left)
+    const int references = H5Iget_ref(id);
+    bool sound = references >= 0;
+    for (int left = std::max(references, 1) + 1; left > 0 && H5Iis_valid(id) != 0; --left)
         sound = close(id) >= 0 && sound;
     return sound;
 }
@@ -52,7 +54,9 @@ int32_t close_file(hid_t group)
     sound = close_kind(file.get(), H5F_OBJ_DATATYPE, H5Tclose, ids) && sound;
     sound = close_kind(file.get(), H5F_OBJ_ATTR, H5Aclose, ids) && sound;
     // The files last, `file` among them.
-    sound = close_kind(file.release(), H5F_OBJ_FILE, H5Fclose, ids) && sound;
+    const hid_t last = file.release();
+    sound = close_kind(last, H5F_OBJ_FILE, H5Fclose, ids) && sound;
+    if (H5Iis_valid(last) > 0) H5Fclose(last);
     return sound ? 0 : -1;
 }
 
