@@ -72,6 +72,20 @@ bool points_beyond(const DatasetWrite& w)
     return false;
 }
 
+// Where values did not reach the file, nothing may be read in their place: rows made for them go again, and
+// so does a dataset made for them.
+void take_back(const DatasetWrite& w, Target& target)
+{
+    if (target.is_new) {
+        target.dataset.close();
+        H5Ldelete(w.location.id, w.name, H5P_DEFAULT);
+    } else if (w.extendible()) {
+        if (!target.dataset.valid()) target.dataset = Dataset(open_to_shrink(w.location.id, w.name));
+        shrink_dataset(target.dataset.get(), {target.before.data(), w.dims.size()},
+                       {w.maximum.data(), w.dims.size()});
+    }
+}
+
 // Only growth is asked of HDF5: extents in dims that are smaller than the present ones stay.
 int32_t grow(const DatasetWrite& w, Target& target, Extents present)
 {
@@ -85,7 +99,9 @@ int32_t grow(const DatasetWrite& w, Target& target, Extents present)
     if (status >= 0)
         status = H5Sset_extent_simple(target.space.get(), static_cast<int>(w.dims.size()), present.data(),
                                       nullptr);
-    return status < 0 ? fail(w, 100, status, -3100) : 0;
+    if (status >= 0) return 0;
+    take_back(w, target);
+    return fail(w, 100, status, -3100);
 }
 
 // Whether chunks that the file has already may be packed anew.
@@ -129,18 +145,9 @@ int32_t open_dataset(DatasetWrite& w, Target& target)
     return w.extendible() ? grow(w, target, present) : 0;
 }
 
-// Where values did not reach the file, nothing may be read in their place: rows made for them go again, and
-// so does a dataset made for them.
 int32_t give_up(const DatasetWrite& w, Target& target, int32_t number, int64_t error)
 {
-    if (target.is_new) {
-        target.dataset.close();
-        H5Ldelete(w.location.id, w.name, H5P_DEFAULT);
-    } else if (w.extendible()) {
-        if (!target.dataset.valid()) target.dataset = Dataset(open_to_shrink(w.location.id, w.name));
-        shrink_dataset(target.dataset.get(), {target.before.data(), w.dims.size()},
-                       {w.maximum.data(), w.dims.size()});
-    }
+    take_back(w, target);
     return fail(w, number, error, -3000 - number);
 }
 
@@ -239,7 +246,13 @@ int32_t VAK_H5Dwrite(const char* name, const void* data, int32_t type, size_t da
     Target target;
     const bool exists = !location.is_new && H5Lexists(location.id, name, H5P_DEFAULT) > 0;
     if (const int32_t status = exists ? open_dataset(w, target) : create_dataset(w, target)) return status;
-    return write_values(w, target);
+    try {
+        return write_values(w, target);
+    } catch (const std::bad_alloc&) {
+        target.dataset.close();
+        take_back(w, target);
+        throw;
+    }
 }
 
 }  // namespace vak
