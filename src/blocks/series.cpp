@@ -25,15 +25,18 @@ Dataset open(const Block& io, const char* section, const char* name)
     return Dataset(H5Dopen2(io.group, path_of(io, section, name).c_str(), H5P_DEFAULT));
 }
 
-constexpr int64_t none = -1;
+constexpr int64_t none = -1, not_told = -2;
 
 // The first extent of a dataset; `none` where there is no dataset.
-int64_t states_in(const Dataset& dataset)
+int64_t states_in(const Block& io, const char* section, const char* name)
 {
-    if (!dataset.valid()) return none;
+    const Dataset dataset = open(io, section, name);
+    if (!dataset.valid())
+        return H5Lexists(io.group, path_of(io, section, name).c_str(), H5P_DEFAULT) > 0 ? not_told : none;
     const Space space(H5Dget_space(dataset.get()));
     std::array<hsize_t, H5S_MAX_RANK> extents{};
-    if (H5Sget_simple_extent_dims(space.get(), extents.data(), nullptr) < 1) return none;
+    const int rank = H5Sget_simple_extent_dims(space.get(), extents.data(), nullptr);
+    if (rank < 1) return rank < 0 ? not_told : none;
     return static_cast<int64_t>(extents[0]);
 }
 
@@ -42,8 +45,8 @@ int64_t stored_states(const Block& io, const char* values)
 {
     for (const auto& [section, name] :
          {std::pair{"data", values}, std::pair{"index", "indexval"}, std::pair{"index", "indexident"}}) {
-        const int64_t states = states_in(open(io, section, name));
-        if (states != none) return states;
+        const int64_t states = states_in(io, section, name);
+        if (states >= 0) return states;
     }
     return none;
 }
@@ -95,13 +98,14 @@ void append_rows(Block& io, const char* name, const Growth& g, Write write)
 // Values that are still missing belong to no complete state; without any values the index rows count.
 int64_t complete_states(const Block& io, const char* values, bool has_values)
 {
-    return has_values ? std::max(states_in(open(io, "data", values)), int64_t{0}) : state_count(io, values);
+    const int64_t states = has_values ? states_in(io, "data", values) : state_count(io, values);
+    return states == none ? 0 : states;
 }
 
 // All states; the first ones where a failed call has left rows behind them.
 Transfer complete(const Block& io, const char* name, int64_t nstate, const char* values, const Shape& extents)
 {
-    const bool longer = states_in(open(io, "index", name)) > nstate;
+    const bool longer = states_in(io, "index", name) > nstate;
     return longer && state_count(io, values) == nstate ? rows({0, nstate}, extents) : whole();
 }
 
@@ -113,7 +117,11 @@ Growth grow(Block& io, const char* values, Shape extents, States added)
 {
     if (io.stopped) return {};
     const int64_t end = io.is_new ? 0 : complete_states(io, values, !extents.empty());
-    if (!countable(end, added)) fail_writing(io, -3);
+    // Rows would go to another place than that behind the last state.
+    if (end == not_told)
+        fail_writing(io, -1);
+    else if (!countable(end, added))
+        fail_writing(io, -3);
     return {end, added};
 }
 
