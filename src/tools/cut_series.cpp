@@ -161,7 +161,9 @@ bool create_copy(Copy& c, const char* name, hsize_t nkept)
     size_t n = 0;
     c.is_lossy = H5Pget_filter_by_id2(s.creation.get(), H5Z_FILTER_SCALEOFFSET, nullptr, &n, nullptr, 0,
                                       nullptr, nullptr) >= 0;
-    c.all_filters = static_cast<uint32_t>((uint64_t{1} << H5Pget_nfilters(s.creation.get())) - 1);
+    const int filters = H5Pget_nfilters(s.creation.get());
+    if (filters < 0) return false;
+    c.all_filters = static_cast<uint32_t>((uint64_t{1} << filters) - 1);
     H5Pget_fill_value(s.creation.get(), s.type.get(), c.fill.data());  // zeros where there is none
     return c.to.valid();
 }
