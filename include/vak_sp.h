@@ -36,8 +36,8 @@
  * results return the key of the block that they read, as documented there. Codes of the storage layer:
  * -1000-n writing an attribute, -2000-n creating a dataset, -3000-n writing one, -4000-n reading an attribute,
  * -6000-n reading a dataset, n being the number in the line. HDF5's own error text is never printed, and the caller's
- * setting of it is left as it was. No routine ends the process, except that the state eraser and the
- * merger exit with status 1 when memory runs out. A failure leaves what was written before it.
+ * setting of it is left as it was. No routine ends the process, except that the tools (external
+ * links, state eraser, merger) exit with status 1 when memory runs out. A failure leaves what was written before it.
  *
  * Threads: one thread at a time in a process, as HDF5 itself requires.
  *

@@ -26,6 +26,7 @@ struct Disk {
     long writes = 0;
     int flushing = 0;  // nested calls that write out what is held back
     bool hit = false, hit_in_flush = false;
+    bool flushed = false;  // before that, by a test that says so
 
     // Counts writes from 0 again.
     void fail(Fault kind, long write);

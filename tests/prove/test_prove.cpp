@@ -1,0 +1,186 @@
+// One fault at a time in every writer and tool: no crash, nothing left open, no other values, and what is
+// missing was told.
+//
+// Of each job a few points are tried; all of them by script/prove, which sets VAK_PROVE_ALL. VAK_PROVE_JOB
+// takes the words that the name of a job begins with.
+#include <gmock/gmock.h>
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <regex>
+
+#include "prove/inside.h"
+#include "prove/sweep.h"
+#include "support/faults.h"
+
+namespace vak::test {
+
+namespace {
+
+struct Range {
+    long first, end;
+};
+using RangeOf = std::function<Range(const Ending& whole, bool is_first_job)>;
+using Trial = std::function<void(Trials&, long point, Tally&)>;
+
+constexpr size_t turns = 5;
+
+// By default each sweep takes every fifth job, another fifth than the sweep before it.
+bool is_chosen(const Job& job, size_t number, size_t turn)
+{
+    const char* only = std::getenv("VAK_PROVE_JOB");
+    if (only != nullptr) return job.name.starts_with(only);
+    return proves_all() || number % turns == turn % turns;
+}
+
+// Tries every job at its points.
+void sweep(const std::string& mode, size_t turn, const RangeOf& range_of, const Trial& trial)
+{
+    constexpr long share = 3;
+    Table table(mode);
+    const std::vector<Job> all = jobs();
+    for (size_t i = 0; i < all.size(); ++i) {
+        if (!is_chosen(all[i], i, turn)) continue;
+        Trials trials(all[i]);
+        Tally tally;
+        disk().mend();
+        const Range range = range_of(trials.whole(), i == 0);
+        for (const long point : points(range.first, range.end, share, i)) {
+            disk().mend();
+            trial(trials, point, tally);
+        }
+        table.add(all[i].name, tally);
+    }
+    EXPECT_GT(table.all().points, 0);
+    EXPECT_EQ(table.all().violations, 0) << table.all().examples;
+}
+
+void sweep_writes(const std::string& mode, size_t turn, Fault fault)
+{
+    const auto all = [](const Ending&, bool) { return Range{0, disk().writes}; };
+    sweep(mode, turn, all, [=](Trials& trials, long point, Tally& tally) {
+        const Ending ran = trials.run([=] { disk().fail(fault, point); });
+        EXPECT_TRUE(disk().hit);
+        trials.count(ran, trials.judge(), mode + ", write " + std::to_string(point), tally);
+    });
+}
+
+TEST(WriteThat, fails_once_is_told_and_changes_nothing_else)
+{
+    sweep_writes("EIO once", 0, Fault::io_error_once);
+}
+TEST(WriteThat, finds_the_disk_full_is_told_and_changes_nothing_else)
+{
+    sweep_writes("ENOSPC from there", 1, Fault::full_from_here);
+}
+TEST(WriteThat, is_short_is_continued) { sweep_writes("short", 2, Fault::short_once); }
+TEST(WriteThat, is_torn_is_told_and_changes_nothing_else) { sweep_writes("torn", 3, Fault::torn_once); }
+TEST(WriteThat, a_kill_prevents_changes_nothing_else) { sweep_writes("kill at a write", 4, Fault::killed); }
+
+// What every job begins with is tried with the first one.
+Range hdf5_calls(const Ending& whole, bool is_first_job)
+{
+    return {is_first_job ? 0 : whole.report.hdf5_calls_before, whole.report.hdf5_calls};
+}
+Range allocations(const Ending& whole, bool is_first_job)
+{
+    return {is_first_job ? 0 : whole.report.allocations_before, whole.report.allocations};
+}
+
+TEST(Hdf5CallThatFails, in_a_writer_or_tool_is_told)
+{
+    sweep("HDF5 call", 0, hdf5_calls, [](Trials& trials, long point, Tally& tally) {
+        const Ending ran = trials.run_and_judge([=] { library.hdf5_calls.fails_at = point; });
+        trials.count(ran, ran, "call " + std::to_string(point), tally);
+    });
+}
+
+Job job_of(const std::string& name)
+{
+    for (Job& job : jobs())
+        if (job.name == name) return job;
+    throw std::runtime_error("no job " + name);
+}
+
+// What the sweep over all calls has found.
+TEST(Hdf5CallThatFails, is_told_where_it_was_not)
+{
+    const std::vector<std::pair<std::string, std::string>> found{
+        {"system", "H5Iget_ref"},
+        {"system", "H5Iis_valid"},
+        {"system", "H5Fget_obj_ids"},
+        {"multientityresults", "H5Sset_extent_simple"},
+        {"multiactivflags", "H5Sget_simple_extent_dims"},
+        {"eraser", "H5Pget_nfilters"},
+    };
+    Tally tally;
+    for (const auto& [name, function] : found) {
+        const Job job = job_of(name);
+        Trials trials(job);
+        disk().mend();
+        library.hdf5_calls.only = function;
+        const long number = trials.whole().report.hdf5_calls;
+        EXPECT_GT(number, 0) << function;
+        for (long point = 0; point < number; ++point) {
+            disk().mend();
+            const Ending ran = trials.run_and_judge([=] { library.hdf5_calls.fails_at = point; });
+            trials.count(ran, ran, "call " + std::to_string(point), tally);
+        }
+        library.hdf5_calls.only = "";
+    }
+    EXPECT_EQ(tally.violations, 0) << tally.examples;
+}
+
+void try_allocation(Trials& trials, long point, Tally& tally)
+{
+    disk().mend();
+    const Ending ran = trials.run_and_judge([=] { library.allocations.fails_at = point; });
+    if (ran.report.finished && ran.report.held != 0)
+        tally.violation(std::to_string(ran.report.held) + " pieces of memory kept by " +
+                        ran.report.failed.data());
+    trials.count(ran, ran, "allocation " + std::to_string(point), tally);
+}
+
+TEST(AllocationThatFails, leaves_no_array_without_its_values)
+{
+    Tally tally;
+    for (const char* name : {"attributes filtered", "multientityresults deflated"}) {
+        const Job job = job_of(name);
+        Trials trials(job);
+        const Ending whole = trials.whole();
+        for (long point = whole.report.allocations_before; point < whole.report.allocations; ++point)
+            try_allocation(trials, point, tally);
+    }
+    EXPECT_EQ(tally.violations, 0) << tally.examples;
+}
+
+TEST(AllocationThatFails, in_a_writer_or_tool_is_told_and_leaks_nothing)
+{
+    sweep("allocation", 3, allocations, try_allocation);
+}
+
+TEST(Jobs, call_every_writer_and_tool)
+{
+    const TempFolder folder;
+    library.counting = true;
+    for (const Job& job : jobs()) {
+        std::filesystem::remove(folder.file("file.h5"));
+        if (job.prepare) job.prepare(folder.file("file.h5"));
+        EXPECT_EQ(job.run(folder.file("file.h5")), 0) << job.name;
+    }
+    library.counting = false;
+    std::ifstream file(VAK_HEADER);
+    const std::string header(std::istreambuf_iterator<char>(file), {});
+    const std::regex declaration(R"(VAK_API void (VAK1?_(WRITE_|ERASE_|MERGE_|CREATE_)\w+)\()");
+    std::set<std::string> declared;
+    for (std::sregex_iterator match(header.begin(), header.end(), declaration), end; match != end; ++match)
+        declared.insert((*match)[1]);
+    EXPECT_GT(declared.size(), 40U);
+    EXPECT_THAT(routines_called(), testing::IsSupersetOf(declared));
+}
+
+}  // namespace
+
+}  // namespace vak::test
