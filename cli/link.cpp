@@ -29,6 +29,7 @@ struct Options {
 std::vector<std::string> seen_from(const fs::path& folder, const std::vector<std::string>& files)
 {
     std::vector<std::string> names;
+    names.reserve(files.size());
     for (const std::string& file : files) names.push_back(fs::relative(file, folder).string());
     return names;
 }
@@ -47,6 +48,7 @@ void check_names(const Options& options)
 void link_all(const std::deque<store::File>& sources, const store::File& target, const std::string& group)
 {
     std::vector<vak_id> ids;
+    ids.reserve(sources.size());
     for (const store::File& source : sources) ids.push_back(*source.root());
     std::string field = group;
     field.resize(256, ' ');

@@ -241,11 +241,13 @@ protected:
 
     void take_step()
     {
-        const OpenIds ids = counter_.count();
+        count_anew();
+        const IdCounter counter;
+        const OpenIds ids = counter.count();
         const size_t descriptors = open_descriptors();
         step();
         expect_model(root, model);
-        ASSERT_EQ(counter_.count(), ids);
+        ASSERT_EQ(counter.count(), ids);
         ASSERT_EQ(open_descriptors(), descriptors);
         ++steps;
     }
@@ -270,7 +272,6 @@ protected:
 
 private:
     std::mt19937 random_;
-    IdCounter counter_;
 };
 INSTANTIATE_TEST_SUITE_P(, Soak, both_families, family_name);
 
