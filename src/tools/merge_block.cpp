@@ -60,7 +60,7 @@ int32_t find_order(Join& join)
         return write_failed(join.type(), refuse_total(join.kind.kind));
     join.order = search.order();
     for (size_t i = 0; i < join.sources.size(); ++i)
-        if (join.order->repeats[i]) warn_of_repeats(join.sources[i].source);
+        if (!join.order->superseded[i].empty()) warn_of_repeats(join.sources[i].source);
     return 0;
 }
 

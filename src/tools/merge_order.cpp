@@ -70,7 +70,7 @@ public:
     Ids ids;
 };
 
-// Counts the rows that go to each merged row, as far as it matters: 0, 1, more.
+// Counts the sources that have each merged row, as far as it matters: 0, 1, more.
 class Shares {
 public:
     explicit Shares(size_t n) : last_(n, none), more_(n, false) {}
@@ -79,10 +79,10 @@ public:
     bool add(int32_t row, int32_t source)
     {
         const auto r = static_cast<size_t>(row);
-        const bool again = last_[r] == source;
+        if (last_[r] == source) return false;
         more_[r] = more_[r] || last_[r] != none;
         last_[r] = source;
-        return !again;
+        return true;
     }
     std::vector<int32_t> rows() const
     {
@@ -98,12 +98,33 @@ private:
     std::vector<bool> more_;
 };
 
-std::vector<SharedRow> shared_rows_of(const std::vector<int32_t>& place, const std::vector<int32_t>& slot)
+// Rows whose place a later row takes as well, ascending.
+std::vector<int32_t> superseded_rows(const std::vector<int32_t>& place, size_t merged_rows)
+{
+    std::vector<bool> taken(merged_rows, false);
+    std::vector<int32_t> rows;
+    for (size_t i = place.size(); i-- > 0;) {
+        const auto at = static_cast<size_t>(place[i]);
+        if (taken[at]) rows.push_back(static_cast<int32_t>(i));
+        taken[at] = true;
+    }
+    std::ranges::reverse(rows);
+    return rows;
+}
+
+std::vector<SharedRow> shared_rows_of(const std::vector<int32_t>& place,
+                                      const std::vector<int32_t>& superseded,
+                                      const std::vector<int32_t>& slot)
 {
     std::vector<SharedRow> rows;
-    for (size_t i = 0; i < place.size(); ++i)
-        if (const int32_t at = slot[static_cast<size_t>(place[i])]; at >= 0)
-            rows.push_back({static_cast<int32_t>(i), at});
+    auto next = superseded.begin();
+    for (size_t i = 0; i < place.size(); ++i) {
+        const auto row = static_cast<int32_t>(i);
+        if (next != superseded.end() && *next == row)
+            ++next;
+        else if (const int32_t at = slot[static_cast<size_t>(place[i])]; at >= 0)
+            rows.push_back({row, at});
+    }
     return rows;
 }
 
@@ -126,8 +147,8 @@ void find_shared_rows(Order& order)
     std::vector<int32_t> slot(order.size(), -1);
     for (size_t i = 0; i < order.shared.size(); ++i)
         slot[static_cast<size_t>(order.shared[i])] = static_cast<int32_t>(i);
-    for (const std::vector<int32_t>& place : order.place)
-        order.shared_rows.push_back(shared_rows_of(place, slot));
+    for (size_t s = 0; s < order.place.size(); ++s)
+        order.shared_rows.push_back(shared_rows_of(order.place[s], order.superseded[s], slot));
 }
 
 template <class Union>
@@ -144,7 +165,7 @@ Order place_all(const std::vector<Ids>& sources, Union&& all)
         }
         order.runs.push_back(runs_of(place));
         order.place.push_back(std::move(place));
-        order.repeats.push_back(repeats);
+        order.superseded.push_back(repeats ? superseded_rows(order.place.back(), all.ids.size()) : Ids());
     }
     order.shared = shares.rows();
     order.ids = std::move(all.ids);

@@ -11,8 +11,8 @@ namespace vak {
 
 using Ids = std::vector<int32_t>;
 
-// A row of a source whose entity other rows have as well, and the place of that entity in the list of shared
-// ones.
+// A row of a source whose entity other sources have as well, and the place of that entity in the list of
+// shared ones.
 struct SharedRow {
     int32_t row, slot;
 };
@@ -27,9 +27,10 @@ struct Order {
     Ids ids;
     std::vector<std::vector<int32_t>> place;          // by source and its row: the row in the merged block
     std::vector<std::vector<Run>> runs;               // by source; none where they would be short
-    std::vector<int32_t> shared;                      // merged rows that more than one row goes to, ascending
+    std::vector<int32_t> shared;                      // merged rows that more than one source has, ascending
     std::vector<std::vector<SharedRow>> shared_rows;  // by source
-    std::vector<bool> repeats;                        // by source: one of its identifiers stands there twice
+    // By source: rows that count for nothing, since a later one has the same identifier. As a rule none.
+    std::vector<std::vector<int32_t>> superseded;
 
     size_t size() const { return ids.size(); }
 };

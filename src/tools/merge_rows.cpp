@@ -77,6 +77,7 @@ Operator operator_of(const char* field)
 void Weights::add(size_t source, std::vector<double> weights)
 {
     const std::vector<int32_t>& place = order_.place[source];
+    for (const int32_t row : order_.superseded[source]) weights[static_cast<size_t>(row)] = 0;
     for (size_t i = 0; i < place.size(); ++i) sums_[static_cast<size_t>(place[i])] += weights[i];
     by_source_.resize(std::max(by_source_.size(), source + 1));
     by_source_[source] = std::move(weights);

@@ -20,32 +20,36 @@ constexpr int32_t lowest = std::numeric_limits<int32_t>::min(), highest = std::n
 void expect_order(const std::vector<Ids>& sources)
 {
     const Order order = order_of(sources);
-    std::map<int32_t, int> rows;  // how many rows go to an identifier
-    for (const Ids& source : sources)
-        for (const int32_t id : source) ++rows[id];
+    std::map<int32_t, std::set<size_t>> files;  // that have an identifier
+    for (size_t s = 0; s < sources.size(); ++s)
+        for (const int32_t id : sources[s]) files[id].insert(s);
 
-    ASSERT_EQ(order.size(), rows.size());
+    ASSERT_EQ(order.size(), files.size());
     size_t at = 0;
     std::vector<int32_t> shared;
-    for (const auto& [id, n] : rows) {
+    for (const auto& [id, having] : files) {
         EXPECT_EQ(order.ids[at], id);
-        if (n > 1) shared.push_back(static_cast<int32_t>(at));
+        if (having.size() > 1) shared.push_back(static_cast<int32_t>(at));
         ++at;
     }
     EXPECT_EQ(order.shared, shared);
 
     ASSERT_EQ(order.place.size(), sources.size());
     ASSERT_EQ(order.shared_rows.size(), sources.size());
-    ASSERT_EQ(order.repeats.size(), sources.size());
+    ASSERT_EQ(order.superseded.size(), sources.size());
     ASSERT_EQ(order.runs.size(), sources.size());
     for (size_t s = 0; s < sources.size(); ++s) {
         ASSERT_EQ(order.place[s].size(), sources[s].size());
         std::vector<SharedRow> expected;
+        std::vector<int32_t> superseded;
         for (size_t i = 0; i < sources[s].size(); ++i) {
             const int32_t row = order.place[s][i];
             EXPECT_EQ(order.ids.at(static_cast<size_t>(row)), sources[s][i]);
             const auto slot = std::ranges::find(shared, row);
-            if (slot != shared.end())
+            const auto behind = sources[s].begin() + static_cast<std::ptrdiff_t>(i) + 1;
+            if (std::find(behind, sources[s].end(), sources[s][i]) != sources[s].end())
+                superseded.push_back(static_cast<int32_t>(i));
+            else if (slot != shared.end())
                 expected.push_back({static_cast<int32_t>(i), static_cast<int32_t>(slot - shared.begin())});
         }
         ASSERT_EQ(order.shared_rows[s].size(), expected.size());
@@ -53,8 +57,7 @@ void expect_order(const std::vector<Ids>& sources)
             EXPECT_EQ(order.shared_rows[s][i].row, expected[i].row);
             EXPECT_EQ(order.shared_rows[s][i].slot, expected[i].slot);
         }
-        const std::set<int32_t> distinct(sources[s].begin(), sources[s].end());
-        EXPECT_EQ(order.repeats[s], distinct.size() < sources[s].size());
+        EXPECT_EQ(order.superseded[s], superseded);
     }
 }
 

@@ -134,6 +134,28 @@ TEST_P(MergeResults, a_mean_with_weights_that_cancel_is_the_plain_mean)
     EXPECT_EQ(merged(first, "weight"), (std::vector<float>{0}));
 }
 
+// The operators join what several domains have; within one, an entity is one.
+TEST_P(MergeResults, an_entity_twice_in_one_file_counts_once_with_its_last_row)
+{
+    for (const auto& [op, expected] : std::initializer_list<std::pair<const char*, float>>{
+             {"SUM", 60.0F}, {"AVERAGE", 25.0F}, {"MIN", 20.0F}, {"MAX", 40.0F}, {"NONE", 20.0F}}) {
+        SCOPED_TRACE(op);
+        restart();
+        EntityResults first = domain({2, 1, 1, 2}, {-9, 90, 10, 20}), second = domain({2, 3}, {40, 50});
+        for (EntityResults* r : {&first, &second}) by_operators(*r, {op});
+        first.tables.weight = {7, 7, 1, 3};
+        second.tables.weight = {1, 1};
+        first.write(add_domain());
+        second.write(add_domain());
+
+        EXPECT_EQ(merge(), 0);
+
+        EXPECT_EQ(merged(first, "res"), (std::vector<float>{10, expected, 50}));
+        EXPECT_EQ(merged(first, "weight"), (std::vector<float>{1, 4, 1}));
+        EXPECT_THAT(printed().err, testing::HasSubstr("lists an entity more than once, merged into one\n"));
+    }
+}
+
 TEST_P(MergeResults, a_missing_weight_counts_one)
 {
     EntityResults first = domain({1}, {10}), second = domain({1}, {20});
