@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <exception>
 
 namespace vak::merge {
 
@@ -94,7 +95,7 @@ Progress::~Progress()
 }
 
 Progress::Watch::Watch(Progress& progress, const std::string& file, int64_t bytes)
-    : progress_(progress), bytes_(bytes)
+    : progress_(progress), bytes_(bytes), exceptions_(std::uncaught_exceptions())
 {
     const std::lock_guard lock(progress_.mutex_);
     progress_.file_ = file;
@@ -106,6 +107,9 @@ Progress::Watch::~Watch()
     const std::lock_guard lock(progress_.mutex_);
     progress_.file_.clear();
     progress_.finished_bytes_ += bytes_;
+    // The end is told when the file was checked; of one that failed there is nothing to tell.
+    const bool failed = std::uncaught_exceptions() > exceptions_;
+    if (!failed && progress_.finished_bytes_ < progress_.expected_) progress_.tell(progress_.finished_bytes_);
 }
 
 void Progress::finish()

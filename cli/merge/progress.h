@@ -33,6 +33,7 @@ public:
     private:
         Progress& progress_;
         int64_t bytes_;
+        int exceptions_;  // under way when it began
     };
 
     // Everything is done.
