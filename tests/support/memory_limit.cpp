@@ -57,6 +57,8 @@ void add(const volatile void*, size_t size)
     if (now > held->limit) _exit(beyond_limit);
 }
 
+constexpr size_t slack = 4096;
+
 size_t allocated() { return __sanitizer_get_current_allocated_bytes(); }
 
 void limit_memory() { __sanitizer_install_malloc_and_free_hooks(add, take_back); }
@@ -71,6 +73,8 @@ size_t address_space()
     std::fclose(file);
     return pages * static_cast<size_t>(sysconf(_SC_PAGESIZE));
 }
+
+constexpr size_t slack = 65536;
 
 size_t allocated()
 {
@@ -88,6 +92,8 @@ void limit_memory()
 #endif
 
 }  // namespace
+
+const size_t allocated_bytes_slack = slack;
 
 size_t allocated_bytes() { return allocated(); }
 

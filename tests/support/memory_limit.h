@@ -19,4 +19,7 @@ Limited with_memory(size_t bytes, const std::function<bool()>& work);
 // What this process has allocated and not given back.
 size_t allocated_bytes();
 
+// By how much that may be off: the C library counts what it keeps for the next call, the sanitizer does not.
+extern const size_t allocated_bytes_slack;
+
 }  // namespace vak::test
