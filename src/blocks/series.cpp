@@ -27,12 +27,20 @@ Dataset open(const Block& io, const char* section, const char* name)
 
 constexpr int64_t none = -1, not_told = -2;
 
+// Whether a link stands there, or where its section should be, that leads to nothing which can be had.
+bool is_out_of_reach(const Block& io, const char* section, const char* name)
+{
+    const auto is_linked = [&](const char* path) { return H5Lexists(io.group, path, H5P_DEFAULT) > 0; };
+    if (legacy(io) && is_linked(section) && H5Oexists_by_name(io.group, section, H5P_DEFAULT) <= 0)
+        return true;
+    return is_linked(path_of(io, section, name).c_str());
+}
+
 // The first extent of a dataset; `none` where there is no dataset.
 int64_t states_in(const Block& io, const char* section, const char* name)
 {
     const Dataset dataset = open(io, section, name);
-    if (!dataset.valid())
-        return H5Lexists(io.group, path_of(io, section, name).c_str(), H5P_DEFAULT) > 0 ? not_told : none;
+    if (!dataset.valid()) return is_out_of_reach(io, section, name) ? not_told : none;
     const Space space(H5Dget_space(dataset.get()));
     std::array<hsize_t, H5S_MAX_RANK> extents{};
     const int rank = H5Sget_simple_extent_dims(space.get(), extents.data(), nullptr);

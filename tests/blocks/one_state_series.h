@@ -342,6 +342,26 @@ TYPED_TEST_P(OneStateSeries, missing_subgroups_of_the_legacy_family_are_reported
     }
 }
 
+TYPED_TEST_P(OneStateSeries, subgroup_that_cannot_be_had_is_reported_and_the_states_before_stay)
+{
+    if (!this->legacy) return;
+    for (const std::string section : {"data", "index", "header"}) {
+        auto states = this->append(2);
+        const std::string block = states[0].path() + "/";
+        EXPECT_GE(H5Lmove(this->file, (block + section).c_str(), this->file, (block + "kept").c_str(),
+                          H5P_DEFAULT, H5P_DEFAULT),
+                  0);
+        H5Lcreate_soft("/nowhere", this->file, (block + section).c_str(), H5P_DEFAULT, H5P_DEFAULT);
+        EXPECT_EQ(this->write(states[1].next()), failure(-1, TypeParam::writing_message)) << section;
+        this->remove(block + section);
+        EXPECT_GE(H5Lmove(this->file, (block + "kept").c_str(), this->file, (block + section).c_str(),
+                          H5P_DEFAULT, H5P_DEFAULT),
+                  0);
+        this->expect_states(states);
+        this->remove("multistate");
+    }
+}
+
 REGISTER_TYPED_TEST_SUITE_P(
     OneStateSeries, states_are_read_back_by_their_place, number_of_states_is_stored_with_each_call,
     callers_numbering_leaves_no_gaps, later_calls_write_no_attributes_and_no_tables,
@@ -354,6 +374,7 @@ REGISTER_TYPED_TEST_SUITE_P(
     chunk_size_setting_is_the_number_of_states_in_a_chunk, filters_are_found, reals_of_8_bytes_are_stored_so,
     null_arrays_are_checked_and_not_delivered, no_group_is_reported,
     file_that_is_none_gives_the_status_of_opening, wrong_key_is_reported_before_a_wrong_pass,
-    missing_key_is_reported, missing_subgroups_of_the_legacy_family_are_reported);
+    missing_key_is_reported, missing_subgroups_of_the_legacy_family_are_reported,
+    subgroup_that_cannot_be_had_is_reported_and_the_states_before_stay);
 
 }  // namespace vak::test
