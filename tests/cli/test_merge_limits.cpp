@@ -279,7 +279,7 @@ TEST_F(MergeLimits, without_memory_for_a_block_the_merge_ends_with_a_line_and_le
     const int32_t count = static_cast<int32_t>(many);
     const hid_t in = H5Fopen(domains[1].c_str(), H5F_ACC_RDWR, H5P_DEFAULT);
     const hid_t block =
-        H5Gopen2(in, "run/post/singlestate/state000000000001/entityresults/NODE/T/vakblock", H5P_DEFAULT);
+        H5Gopen2(in, "post/singlestate/state000000000001/entityresults/NODE/T/vakblock", H5P_DEFAULT);
     ASSERT_GE(block, 0);
     H5Ldelete(block, "entid", H5P_DEFAULT);
     const hid_t space = H5Screate_simple(1, &many, nullptr);
