@@ -48,7 +48,9 @@ int32_t create(const Value& v)
     const hid_t type = stored_type(v.type, v.vak_size, v.ids);
     Attribute attribute(H5Acreate2(v.object, v.name, type, space, H5P_DEFAULT, H5P_DEFAULT));
     if (!attribute.valid()) return fail(v, 100, attribute.get());
-    return write(v, std::move(attribute), memory_type);
+    const int32_t status = write(v, std::move(attribute), memory_type);
+    if (status != 0) H5Adelete(v.object, v.name);  // it would read as zeros
+    return status;
 }
 
 int32_t check_shape(const Value& v, const Attribute& attribute)

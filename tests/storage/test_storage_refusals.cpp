@@ -176,6 +176,8 @@ TEST_F(StorageRefusals, attribute_writing_errors_20_to_999)
     };
     EXPECT_EQ(write_attribute_without("H5Screate_simple"), attribute_not_written(40));
     EXPECT_EQ(write_attribute_without("H5Aclose"), attribute_not_written(999));
+    EXPECT_EQ(H5Aexists(file, "n"), 0);  // without its values it would read as zeros
+    EXPECT_EQ(write_attribute("n", values.data(), 2, 4, 4, {2}), done);
     EXPECT_EQ(write_attribute_without("H5Aopen"), attribute_not_written(100));
     EXPECT_EQ(write_attribute_without("H5Aget_space"), attribute_not_written(20));
     EXPECT_EQ(write_attribute_without("H5Awrite"), attribute_not_written(999));
