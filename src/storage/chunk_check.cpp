@@ -13,12 +13,13 @@ struct Chunks {
     hid_t dataset;
     size_t rank;
     Extents extent;
+    bool known;      // HDF5 has told it
     double largest;  // bytes as stored
 
     Chunks(hid_t dataset_id, hid_t list, size_t dimensions, size_t element_size)
         : dataset(dataset_id), rank(dimensions), extent{}
     {
-        H5Pget_chunk(list, static_cast<int>(rank), extent.data());
+        known = H5Pget_chunk(list, static_cast<int>(rank), extent.data()) >= 0;
         const double nominal =
             std::accumulate(extent.begin(), extent.begin() + static_cast<std::ptrdiff_t>(rank),
                             static_cast<double>(element_size), std::multiplies<>());
@@ -80,6 +81,7 @@ bool chunks_are_plausible(hid_t dataset, const FoundLayout& found, const Part& p
 {
     if (found.filters == 0) return true;
     const Chunks chunks(dataset, found.list.get(), extents.size(), element_size);
+    if (!chunks.known) return false;
     if (part.mode == point_list) return points_are_plausible(chunks, part);
     Extents start{};
     Extents end{};
