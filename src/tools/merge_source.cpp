@@ -11,6 +11,7 @@ namespace vak {
 namespace {
 
 constexpr size_t small_column = size_t{1} << 20;
+constexpr int32_t lost_column = -6002;  // as of a dataset that cannot be opened
 
 size_t bytes_of(const std::vector<hsize_t>& dims, size_t element)
 {
@@ -58,13 +59,17 @@ Stored SourceBlock::find(const Column& c) const
 {
     Stored s;
     const hid_t group = group_of(c);
-    if (H5Lexists(group, c.name, H5P_DEFAULT) <= 0) return s;
+    const htri_t named = H5Lexists(group, c.name, H5P_DEFAULT);
+    s.is_lost = named < 0;
+    if (named <= 0) return s;
     Dataset dataset(H5Dopen2(group, c.name, H5P_DEFAULT));
-    if (!dataset.valid()) return s;
+    s.is_lost = !dataset.valid();
+    if (s.is_lost) return s;
     const Type type(H5Dget_type(dataset.get()));
     const Space space(H5Dget_space(dataset.get()));
     const int rank = H5Sget_simple_extent_ndims(space.get());
     s.is_there = rank >= 0;
+    s.is_lost = !s.is_there;
     s.element = H5Tget_size(type.get());
     s.dims.resize(static_cast<size_t>(std::max(rank, 0)));
     H5Sget_simple_extent_dims(space.get(), s.dims.data(), nullptr);
@@ -111,7 +116,13 @@ int32_t SourceBlock::read_counts()
     }
     count = std::max(count, 0);
     if (status == 0 && kind_.is_series) find_states();
-    return status;
+    return status == 0 && has_lost_column() ? lost_column : status;
+}
+
+// Left out it would be missed by nobody but the reader of the merged block.
+bool SourceBlock::has_lost_column()
+{
+    return std::ranges::any_of(kind_.columns, [&](const Column& c) { return stored(c).is_lost; });
 }
 
 bool SourceBlock::has_extents(const Column& c, const std::vector<hsize_t>& dims)

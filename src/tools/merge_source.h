@@ -17,6 +17,7 @@ namespace vak {
 // How a column is stored in one block.
 struct Stored {
     bool is_there = false;
+    bool is_lost = false;   // its name is there, but leads to nothing that can be read
     bool is_plain = false;  // neither filters nor anything else that a reader would have to look into
     size_t element = 0;     // bytes
     std::vector<hsize_t> dims;
@@ -63,6 +64,7 @@ private:
     int32_t read_part(const Column&, size_t element, std::vector<hsize_t> dims, const Transfer&,
                       Bytes& values);
     void find_states();
+    bool has_lost_column();
 
     const MergedKind& kind_;
     bool is_legacy_;

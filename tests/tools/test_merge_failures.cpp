@@ -211,6 +211,16 @@ TEST_P(MergeFailures, values_that_cannot_be_unpacked_are_one)
     expect_failure(reading(r.type), -6999);
 }
 
+TEST_P(MergeFailures, values_that_a_link_leads_to_in_vain_are_one)
+{
+    const EntityResults r = results();
+    const hid_t domain = add(r);
+    EXPECT_GE(H5Ldelete(domain, (r.path() + data() + "res").c_str(), H5P_DEFAULT), 0);
+    EXPECT_GE(
+        H5Lcreate_soft("/nowhere", domain, (r.path() + data() + "res").c_str(), H5P_DEFAULT, H5P_DEFAULT), 0);
+    expect_failure(reading(r.type, 1), -6002);
+}
+
 TEST_P(MergeFailures, an_attribute_of_no_type_of_ours_does_not_hinder)
 {
     const EntityResults r = results();
@@ -224,7 +234,8 @@ TEST_P(MergeFailures, an_attribute_of_no_type_of_ours_does_not_hinder)
         EXPECT_GE(H5Awrite(attribute, H5T_NATIVE_DOUBLE, &value), 0);
     }
     EXPECT_EQ(merge(), 0) << printed();
-    EXPECT_EQ(attribute_values<double>(target(), r.path() + header(), "measured"), (std::vector<double>{0.5}));
+    EXPECT_EQ(attribute_values<double>(target(), r.path() + header(), "measured"),
+              (std::vector<double>{0.5}));
     EXPECT_EQ(dataset_values<float>(target(), r.path() + data() + "res"), r.res);
 }
 
@@ -237,7 +248,8 @@ TEST_P(MergeFailures, an_attribute_that_cannot_be_copied_is_left_out_with_a_warn
         const SpaceId space{H5Screate(H5S_SCALAR), "space"};
         const TypeId text{H5Tcopy(H5T_C_S1), "text"};
         EXPECT_GE(H5Tset_size(text, H5T_VARIABLE), 0);
-        const AttributeId attribute{H5Acreate2(holder, "note", text, space, H5P_DEFAULT, H5P_DEFAULT), "note"};
+        const AttributeId attribute{H5Acreate2(holder, "note", text, space, H5P_DEFAULT, H5P_DEFAULT),
+                                    "note"};
         const char* const value = "kept elsewhere";
         EXPECT_GE(H5Awrite(attribute, text, &value), 0);
     }
