@@ -188,10 +188,11 @@ std::string attribute_difference(const std::pair<std::string, show::AttributeVal
 // The names of what the second block has beyond the first.
 void add_missing(const BlockView& a, const BlockView& b, std::vector<std::string>& found)
 {
-    for (const auto& [name, value] : b.attributes)
-        if (!is_of_storage(name) && std::none_of(a.attributes.begin(), a.attributes.end(),
-                                                 [&](const auto& entry) { return entry.first == name; }))
-            found.push_back(name + ": only in one of them");
+    for (const auto& own : b.attributes)
+        if (!is_of_storage(own.first) &&
+            std::none_of(a.attributes.begin(), a.attributes.end(),
+                         [&](const auto& entry) { return entry.first == own.first; }))
+            found.push_back(own.first + ": only in one of them");
     for (const ArrayView& array : b.arrays)
         if (array_of(a, array.name) == nullptr) found.push_back(array.name + ": only in one of them");
 }
