@@ -95,7 +95,7 @@ void store(const Entry& entry, int32_t k, int32_t slots, char* names)
 void fill_entries(FILE* file, int32_t* count, char* names, int32_t* exponents, bool verbose)
 {
     const int32_t slots = std::max(*count, 0);
-    std::memset(names, ' ', slot * static_cast<size_t>(slots));
+    std::fill_n(names, slot * static_cast<size_t>(slots), ' ');  // with no slots there may be no array
     *count = 0;
     for_each_entry(file, [&](const Entry& entry) {
         if (verbose) std::printf("   %10d | \"%s\"\n", entry.exponent, entry.name);

@@ -181,6 +181,20 @@ TEST_F(ReadParam, a_line_longer_than_the_buffer_goes_on_as_a_further_line)
     EXPECT_EQ(counted(std::string(297, 'N') + " 5\n"), 1);
 }
 
+TEST_F(ReadParam, file_without_entries_needs_no_arrays)
+{
+    const std::string name = text_file("$ nothing\n");
+    int32_t count = 0;
+    EXPECT_EQ(run([&] {
+                  const int32_t storing = 1, quiet = 0;
+                  int32_t ierr = untouched;
+                  VAK_READ_PARAM(name.c_str(), nullptr, &storing, &count, nullptr, nullptr, &quiet, &ierr);
+                  return ierr;
+              }),
+              success);
+    EXPECT_EQ(count, 0);
+}
+
 TEST_F(ReadParam, exponents_that_no_integer_holds_are_the_nearest_one)
 {
     EXPECT_EQ(filled("A 99999999999999999999\nB -99999999999\nC 2147483648\nD -2147483648\n", 4, 4).exponents,
