@@ -60,6 +60,12 @@ int64_t volume(const std::vector<int64_t>& extents)
     return product;
 }
 
+size_t up_to(int64_t most, int64_t values)
+{
+    if (values > most) throw cli::Problem("an array of " + std::to_string(values) + " values is too large");
+    return static_cast<size_t>(values);
+}
+
 std::vector<int64_t> ArrayField::extents() const
 {
     if (told_) return told_();

@@ -118,6 +118,8 @@ using Shape = std::vector<Extent>;
 
 // The number of values of a shape, extents below 0 counting as 0; a problem when it cannot be.
 int64_t volume(const std::vector<int64_t>& extents);
+// A number of values that may be allocated; a problem when it is too large.
+size_t up_to(int64_t most, int64_t values);
 
 // What the arrays of all types have in common.
 class ArrayField {
@@ -170,7 +172,7 @@ public:
 
     T* pointer() { return values_.empty() ? nullptr : values_.data(); }
     bool fits() const { return static_cast<int64_t>(values_.size()) == wanted(); }
-    void allocate() { values_.assign(static_cast<size_t>(wanted()), T{}); }
+    void allocate(int64_t most) { values_ = std::vector<T>(up_to(most, wanted())); }
     // Takes note of what was read: all values, or those of one state.
     void take(const Request& request, int64_t state);
     void show(Reading& reading) const;
@@ -211,7 +213,7 @@ public:
 
     char* pointer() { return characters_.empty() ? nullptr : characters_.data(); }
     bool fits() const { return static_cast<int64_t>(characters_.size()) == wanted(); }
-    void allocate() { characters_.assign(static_cast<size_t>(wanted()), ' '); }
+    void allocate(int64_t most) { characters_ = std::vector<char>(up_to(most, wanted()), ' '); }
     void take(const Request&, int64_t) { taken_ = true; }
     void show(Reading& reading) const;
 
@@ -219,7 +221,7 @@ private:
     int64_t wanted() const;
 
     Extent length_;
-    std::string characters_;
+    std::vector<char> characters_;
     bool taken_ = false;
 };
 

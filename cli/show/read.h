@@ -9,7 +9,7 @@ namespace vak::show {
 template <class Field>
 constexpr bool is_array = requires(Field& field)
 {
-    field.allocate();
+    field.fits();
 };
 
 template <class... Fields>
@@ -23,10 +23,10 @@ bool all_fit(const Fields&... fields)
 }
 
 template <class Field>
-void allocate(Field& field)
+void allocate(Field& field, const Request& request)
 {
     if constexpr (is_array<Field>)
-        if (!field.fits()) field.allocate();
+        if (!field.fits()) field.allocate(request.most_values);
 }
 
 template <class Field>
@@ -38,12 +38,12 @@ void take(Field& field, const Request& request, int64_t state)
 // Reads until every array has the size that the values of others tell (three rounds are the most that a
 // block needs). The first round without arrays only checks, so that nothing is allocated for a damaged block.
 template <class Read, class... Fields>
-void read_arrays(Read read, Fields&... fields)
+void read_arrays(Read read, const Request& request, Fields&... fields)
 {
     read();
     for (int round = 0; !all_fit(fields...); ++round) {
         if (round == 3) throw cli::Problem("the block changes while it is read; try again");
-        (allocate(fields), ...);
+        (allocate(fields, request), ...);
         read();
     }
 }
@@ -58,7 +58,7 @@ void read_block(Reading& reading, Routine routine, Pass& pass, Fields&... fields
     };
     read(pass.attributes);
     if (reading.request.values) {
-        read_arrays([&] { read(pass.everything); }, fields...);
+        read_arrays([&] { read(pass.everything); }, reading.request, fields...);
         (take(fields, reading.request, 0), ...);
     }
     (fields.show(reading), ...);
@@ -78,7 +78,7 @@ void read_series(Reading& reading, Routine routine, Pass& pass, GoTo go_to, cons
     for (int32_t state = 0; reading.request.values && state < states.value; ++state) {
         go_to(state);
         if (state == 0)
-            read_arrays([&] { read(pass.everything); }, fields...);
+            read_arrays([&] { read(pass.everything); }, reading.request, fields...);
         else
             read(pass.everything);
         const auto& known_as = indexident.values();

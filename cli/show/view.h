@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <limits>
 #include <string>
 #include <utility>
 #include <variant>
@@ -36,8 +37,9 @@ struct BlockView {
 // What is wanted of a block.
 struct Request {
     store::Layout layout = store::Layout::current;
-    bool values = false;      // read the arrays
-    bool all_values = false;  // keep all of them
+    bool values = false;                                        // read the arrays
+    bool all_values = false;                                    // keep all of them
+    int64_t most_values = std::numeric_limits<int64_t>::max();  // an array of more is a problem
 };
 
 // Reads a block of any kind; of one of an unknown kind nothing but key and path is shown.

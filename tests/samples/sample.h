@@ -9,6 +9,7 @@
 #include <hdf5.h>
 
 #include <algorithm>
+#include <concepts>
 #include <cstdio>
 #include <string>
 #include <vector>
@@ -117,6 +118,25 @@ S emptied(S sample)
     sample.found_at = sample.path();
     S::each(sample, [](const char*, auto& value) { empty(value); });
     return sample;
+}
+
+template <class S>
+concept MadeOfFamily = requires
+{
+    requires std::same_as<decltype(S::of(Family{})), S>;
+};
+
+// A sample of that family.
+template <class S>
+S sample_of(Family family)
+{
+    if constexpr (MadeOfFamily<S>) {
+        return S::of(family);
+    } else {
+        S sample;
+        sample.family = family;
+        return sample;
+    }
 }
 
 // What a reader of that family is asked for everything with; some kinds have one way of asking only.

@@ -5,9 +5,7 @@
 //   exists.\n"));
 #pragma once
 
-#include <concepts>
-
-#include "frame/paths.h"
+#include "samples/sample.h"
 #include "support/library.h"
 
 namespace vak::test {
@@ -30,25 +28,6 @@ inline const Result success;
 inline Result status(int32_t ierr) { return {ierr, {}}; }
 
 inline Result failure(int32_t ierr, const std::string& line) { return {ierr, {"", line}}; }
-
-template <class S>
-concept MadeOfFamily = requires
-{
-    requires std::same_as<decltype(S::of(Family{})), S>;
-};
-
-// A sample of that family.
-template <class S>
-S sample_of(Family family)
-{
-    if constexpr (MadeOfFamily<S>) {
-        return S::of(family);
-    } else {
-        S sample;
-        sample.family = family;
-        return sample;
-    }
-}
 
 class BlockTest : public LibraryTest {
 protected:
