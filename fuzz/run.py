@@ -130,7 +130,7 @@ def table(targets):
 def main():
     parser = argparse.ArgumentParser(description=__doc__)
     parser.add_argument("--build", default="build/fuzz/fuzz", type=pathlib.Path, help="where the targets are")
-    parser.add_argument("--folder", default="build/fuzz/work", type=pathlib.Path, help="for seeds, corpus and findings")
+    parser.add_argument("--folder", default="build/fuzz/found", type=pathlib.Path, help="for seeds, corpus and findings")
     parser.add_argument("--seconds", default=10, type=float, help="for each target")
     parser.add_argument("--hours", type=float, help="for all of them together")
     parser.add_argument("--jobs", default=2, type=int, help="targets at once")
