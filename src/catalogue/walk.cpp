@@ -6,8 +6,8 @@
 #include <new>
 #include <optional>
 
-#include "catalogue/guarded_links.h"
 #include "catalogue/quiet_attribute.h"
+#include "frame/guarded_links.h"
 
 namespace vak {
 

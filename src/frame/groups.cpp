@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "frame/exported.h"
+#include "frame/guarded_links.h"
 #include "frame/metadata_cache.h"
 #include "frame/paths.h"
 #include "vak_sp.h"
@@ -11,9 +12,9 @@ namespace vak {
 
 namespace {
 
-Group open(hid_t location, const std::string& path)
+Group open(hid_t location, const std::string& path, hid_t access = H5P_DEFAULT)
 {
-    return Group(H5Gopen2(location, path.c_str(), H5P_DEFAULT));
+    return Group(H5Gopen2(location, path.c_str(), access));
 }
 
 Group create(hid_t location, const std::string& path, hid_t link_creation = H5P_DEFAULT)
@@ -22,9 +23,9 @@ Group create(hid_t location, const std::string& path, hid_t link_creation = H5P_
 }
 
 // A path of which HDF5 cannot tell (a dataset on the way, a link that leads nowhere) is not there.
-bool exists(hid_t location, const std::string& path)
+bool exists(hid_t location, const std::string& path, hid_t access = H5P_DEFAULT)
 {
-    return H5Lexists(location, path.c_str(), H5P_DEFAULT) > 0;
+    return H5Lexists(location, path.c_str(), access) > 0;
 }
 
 // Creates the levels of the path that are missing; their number, or -8.
@@ -64,12 +65,14 @@ int32_t open_creating(hid_t location, const std::string& path, Group& group)
 }
 
 // Opening alone tells whether the path is there. Only a failure needs the question why.
+// In a file that is open to read, HDF5 would wait for a writer of a FIFO that an external link leads to.
 int32_t open_present(hid_t location, const std::string& path, Group& group,
                      int32_t (*fail)(int32_t, const std::string&))
 {
-    group = open(location, path);
+    const Properties guarded = guarded_links(LinkedFile::as_the_file_with_the_link);
+    group = open(location, path, guarded.get());
     if (group.valid()) return 0;
-    return exists(location, path) ? fail(-20, path) : -1;
+    return exists(location, path, guarded.get()) ? fail(-20, path) : -1;
 }
 
 int32_t open_by_flag(hid_t location, const std::string& path, int32_t ioflag, Group& group)

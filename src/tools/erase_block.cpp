@@ -2,7 +2,7 @@
 
 #include <cstdio>
 
-#include "catalogue/guarded_links.h"
+#include "frame/guarded_links.h"
 
 namespace vak {
 

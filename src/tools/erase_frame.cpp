@@ -4,7 +4,7 @@
 #include <cstdio>
 #include <ctime>
 
-#include "catalogue/guarded_links.h"
+#include "frame/guarded_links.h"
 #include "storage/storage.h"
 #include "tools/eraser.h"
 #include "vak_sp.h"

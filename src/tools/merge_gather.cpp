@@ -3,7 +3,7 @@
 #include <cstdio>
 #include <numeric>
 
-#include "catalogue/guarded_links.h"
+#include "frame/guarded_links.h"
 #include "tools/merge.h"
 #include "vak_sp.h"
 

@@ -3,7 +3,7 @@
 #include <cstdio>
 #include <set>
 
-#include "catalogue/guarded_links.h"
+#include "frame/guarded_links.h"
 #include "tools/merge.h"
 #include "tools/same_contents.h"
 

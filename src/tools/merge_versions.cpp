@@ -5,7 +5,7 @@
 #include <cstring>
 #include <numeric>
 
-#include "catalogue/guarded_links.h"
+#include "frame/guarded_links.h"
 #include "tools/merge.h"
 #include "vak_sp.h"
 

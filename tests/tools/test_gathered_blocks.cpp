@@ -1,4 +1,6 @@
 // A file of links alone: every kind of block is listed and read through it like in the file that holds it.
+#include <sys/stat.h>
+
 #include <filesystem>
 #include <functional>
 
@@ -125,6 +127,20 @@ protected:
         return ierr < 0 ? ierr : group;
     }
 
+    void expect_gone()
+    {
+        EXPECT_TRUE(listed(file).empty());
+        for (const std::string name : {"constant", "singlestate", "multistate"}) {
+            EXPECT_EQ(open_group(name), -20);
+            EXPECT_EQ(last, (Output{"", "VAK ERROR - vak_h5gopen - code -20, group \"all/" + name + "\"\n"}));
+        }
+        for (const Kind& k : all) {
+            if (k.path.find('/') == std::string::npos) continue;  // is the link itself
+            EXPECT_EQ(open_group(k.path), -1) << k.path;
+            EXPECT_EQ(last, nothing_printed);
+        }
+    }
+
     const std::string holder = path("holder.h5");
     const std::vector<Kind> all = kinds(family());
     Output last;
@@ -136,6 +152,24 @@ TEST_P(GatheredBlocks, are_listed_as_in_the_file_that_holds_them)
     const FileId source = read_file(holder);
     EXPECT_GE(listed(source).size(), all.size() - 1);  // properties lie in a group of the caller's
     EXPECT_EQ(listed(open_object(file, "all")), listed(source));
+}
+
+TEST_P(GatheredBlocks, are_found_by_what_is_asked_for)
+{
+    const std::string type = padded("entityresults"), any = padded("");
+    const int32_t none = -1, no_nindex = -2, state = 12, collect = 0, verbose = 0;
+    int32_t capacity = 0, n = 0, ierr = 0, *keys = nullptr;
+    int64_t pool = 0, total = 0, *offsets = nullptr;
+    char* paths = nullptr;
+    EXPECT_EQ(call([&] {
+                  (legacy() ? VAK1_SEARCHBLOCKS : VAK_SEARCHBLOCKS)(
+                      &file, type.data(), any.data(), any.data(), any.data(), any.data(), &none, &state,
+                      &none, &no_nindex, &collect, &verbose, &capacity, &pool, &n, &total, &keys, &offsets,
+                      &paths, &ierr);
+              }),
+              nothing_printed);
+    EXPECT_EQ(ierr, 0);
+    EXPECT_EQ(n, 1);
 }
 
 TEST_P(GatheredBlocks, read_as_in_the_file_that_holds_them)
@@ -161,16 +195,20 @@ TEST_P(GatheredBlocks, read_as_in_the_file_that_holds_them)
 TEST_P(GatheredBlocks, of_a_file_that_is_gone_are_told_by_the_opening_call)
 {
     std::filesystem::remove(holder);
-    EXPECT_TRUE(listed(file).empty());
-    for (const std::string name : {"constant", "singlestate", "multistate"}) {
-        EXPECT_EQ(open_group(name), -20);
-        EXPECT_EQ(last, (Output{"", "VAK ERROR - vak_h5gopen - code -20, group \"all/" + name + "\"\n"}));
-    }
-    for (const Kind& k : all) {
-        if (k.path.find('/') == std::string::npos) continue;  // is the link itself
-        EXPECT_EQ(open_group(k.path), -1) << k.path;
-        EXPECT_EQ(last, nothing_printed);
-    }
+    expect_gone();
+}
+
+TEST_P(GatheredBlocks, of_a_file_in_whose_place_something_else_stands_are_told_without_a_wait)
+{
+    std::filesystem::remove(holder);
+    ASSERT_EQ(mkfifo(holder.c_str(), 0600), 0);
+    expect_gone();
+    const std::string name = close_file();
+    file = H5Fopen(name.c_str(), H5F_ACC_RDONLY, H5P_DEFAULT);  // a reader waits where a writer does not
+    expect_gone();
+    std::filesystem::remove(holder);
+    std::filesystem::create_directory(holder);
+    expect_gone();
 }
 
 }  // namespace

@@ -1,5 +1,5 @@
 // Links into other files: the targets are looked at before HDF5 opens them.
-#include "catalogue/guarded_links.h"
+#include "frame/guarded_links.h"
 
 #include <algorithm>
 #include <cstdlib>
@@ -49,9 +49,11 @@ bool leads_to_a_file(const path& holder, const path& name)
 
 // What HDF5 calls before it opens the file of a link; negative refuses.
 herr_t check_target(const char* holder, const char*, const char* file, const char*, unsigned* access, hid_t,
-                    void*) noexcept
+                    void* only_to_read) noexcept
 {
-    *access &= H5F_ACC_SWMR_READ;
+    // What else the file with the link was opened with, such as to be created, HDF5 does not take back here.
+    *access &=
+        only_to_read != nullptr ? H5F_ACC_SWMR_READ : H5F_ACC_RDWR | H5F_ACC_SWMR_READ | H5F_ACC_SWMR_WRITE;
     try {
         return leads_to_a_file(holder, file) ? 0 : -1;
     } catch (const std::bad_alloc&) {
@@ -61,10 +63,12 @@ herr_t check_target(const char* holder, const char*, const char* file, const cha
 
 }  // namespace
 
-Properties guarded_links()
+Properties guarded_links(LinkedFile opened)
 {
+    static char only_to_read;
     Properties list(H5Pcreate(H5P_GROUP_ACCESS));
-    if (H5Pset_elink_cb(list.get(), check_target, nullptr) < 0) return Properties();
+    void* const data = opened == LinkedFile::to_read ? &only_to_read : nullptr;
+    if (H5Pset_elink_cb(list.get(), check_target, data) < 0) return Properties();
     return list;
 }
 
