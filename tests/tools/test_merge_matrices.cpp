@@ -29,17 +29,17 @@ protected:
         EXPECT_EQ(second.write(add_domain()), 0);
         EXPECT_EQ(merge(1 + 4), 0);
         EXPECT_EQ(merged(first), first.val);
-        EXPECT_THAT(printed().out, testing::HasSubstr(" target file: create 1 merged \"" + std::string(S::type) +
-                                                      "\" block(s)\n"));
+        EXPECT_THAT(printed().out, testing::HasSubstr(" target file: create 1 merged \"" +
+                                                      std::string(S::type) + "\" block(s)\n"));
     }
     template <class S>
     void expect_warning(const S& first, const S& second)
     {
         merge_two(first, second);
-        EXPECT_THAT(printed().err,
-                    testing::EndsWith("VAK WARNING file [1]: block key " + std::to_string(S::key) + " \"" +
-                                      first.path() +
-                                      "\" differs in its contents from file [0] and is left out\n"));
+        EXPECT_THAT(
+            printed().err,
+            testing::EndsWith("VAK WARNING file [1]: block key " + std::to_string(S::key) + " \"" +
+                              first.path() + "\" differs in its contents from file [0] and is left out\n"));
     }
     template <class S>
     void expect_no_warning(const S& first, const S& second)
