@@ -130,7 +130,7 @@ protected:
         std::filesystem::copy_file(path("first.h5"), cut, std::filesystem::copy_options::overwrite_existing);
         bool succeeded = false;
         Found found;
-        captured([&] {
+        captured_unnoted([&] {
             succeeded = append_under(set_limit, cut);
             found = states_in(cut);
         });

@@ -52,7 +52,7 @@ Ending apart(const std::function<void(Report&)>& body)
     void* shared = mmap(nullptr, sizeof(Report), PROT_READ | PROT_WRITE, MAP_SHARED | MAP_ANONYMOUS, -1, 0);
     auto* report = new (shared) Report();
     int result = 0;
-    const Output output = captured([&] {
+    const Output output = captured_unnoted([&] {
         const pid_t child = fork();
         if (child == 0) run(body, *report);
         waitpid(child, &result, 0);

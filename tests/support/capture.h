@@ -3,6 +3,7 @@
 
 #include <ostream>
 #include <string>
+#include <utility>
 
 namespace vak::test {
 
@@ -37,11 +38,9 @@ private:
     int file_;
 };
 
-// Keeps it for the check of all that tests have seen printed (printed.cpp).
-void note_printed(const Output& output);
-
+// Where not the library alone prints, such as in a child that may crash, or where nobody looks at it.
 template <class Call>
-Output captured(Call&& call)
+Output captured_unnoted(Call&& call)
 {
     Redirection out(1);
     Redirection err(2);
@@ -49,6 +48,16 @@ Output captured(Call&& call)
     Output output;
     output.err = err.take_back();
     output.out = out.take_back();
+    return output;
+}
+
+// Keeps it for the check of all that tests have seen printed (printed.cpp).
+void note_printed(const Output& output);
+
+template <class Call>
+Output captured(Call&& call)
+{
+    Output output = captured_unnoted(std::forward<Call>(call));
     note_printed(output);
     return output;
 }

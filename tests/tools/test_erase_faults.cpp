@@ -178,7 +178,7 @@ protected:
         const std::string whole = make_file(), tried = path("tried.h5");
         std::filesystem::copy_file(whole, tried);
         Figures f;
-        Output ignored = captured([&] {
+        Output ignored = captured_unnoted([&] {
             ASSERT_TRUE(erase_with(Fault::io_error_once, -1, tried));
             const long writes = disk().writes;
             const long step = std::getenv("VAK_TEST_EVERY_WRITE") != nullptr ? 1 : writes / 12 + 1;

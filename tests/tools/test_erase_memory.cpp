@@ -72,7 +72,7 @@ protected:
         const std::string path = data_of(state_of_series(0, flags), "res");
         const std::string name = write_series(flags);
         Limited run;
-        captured([&] { run = with_memory(memory, [&] { return erase_in(name); }); });
+        captured_unnoted([&] { run = with_memory(memory, [&] { return erase_in(name); }); });
         EXPECT_TRUE(run.ended_well) << "at most " << run.most << " bytes were held";
         RecordProperty("bytes_held_at_once", static_cast<int>(run.most));
         file = H5Fopen(name.c_str(), H5F_ACC_RDWR, H5P_DEFAULT);
@@ -94,7 +94,7 @@ TEST_P(EraseLargeSeries, is_cut_back_in_a_quarter_of_its_size_when_it_is_compres
 TEST_P(EraseLargeSeries, a_process_that_takes_the_whole_series_is_stopped)
 {
     Limited run;
-    captured([&] {
+    captured_unnoted([&] {
         run = with_memory(memory, [] {
             const std::vector<float> whole(size_t{states} * entities * 2, 1.0F);
             return whole.back() > 0;

@@ -82,7 +82,7 @@ protected:
         const vak_id from = source, to = file;
         const int32_t one = 1, none = 0;
         const std::string subgroup = padded("all");
-        captured([&] {
+        captured_unnoted([&] {
             int32_t ierr = untouched;
             (legacy() ? VAK1_CREATE_EXTLINKS : VAK_CREATE_EXTLINKS)(&from, &to, &one, subgroup.data(), &one,
                                                                     &none, &ierr);
