@@ -131,6 +131,7 @@ int32_t add_source(const Join& join, SourceBlock& source, const Column& c,
                    std::optional<MergedColumn>& merged)
 {
     const Stored& s = source.stored(c);
+    if (s.is_lost) return read_failed(join.type(), 1, lost_column);
     if (!s.is_there) return 0;
     MergedColumn found{&c, memory_size(source, c, s.element), row_of(join, source, c, s)};
     const int32_t status = check_extents(join, source, found, s);

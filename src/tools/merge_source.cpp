@@ -11,7 +11,6 @@ namespace vak {
 namespace {
 
 constexpr size_t small_column = size_t{1} << 20;
-constexpr int32_t lost_column = -6002;  // as of a dataset that cannot be opened
 
 size_t bytes_of(const std::vector<hsize_t>& dims, size_t element)
 {
@@ -122,7 +121,11 @@ int32_t SourceBlock::read_counts()
 // Left out it would be missed by nobody but the reader of the merged block.
 bool SourceBlock::has_lost_column()
 {
-    return std::ranges::any_of(kind_.columns, [&](const Column& c) { return stored(c).is_lost; });
+    return std::ranges::any_of(kind_.columns, [&](const Column& c) {
+        const bool is_of_lowest =
+            c.role == Role::index || c.role == Role::common;  // looked at when it is read
+        return !is_of_lowest && stored(c).is_lost;
+    });
 }
 
 bool SourceBlock::has_extents(const Column& c, const std::vector<hsize_t>& dims)

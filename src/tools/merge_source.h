@@ -14,6 +14,8 @@
 
 namespace vak {
 
+constexpr int32_t lost_column = -6002;  // status, as of a dataset that cannot be opened
+
 // How a column is stored in one block.
 struct Stored {
     bool is_there = false;
