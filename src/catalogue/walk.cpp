@@ -39,6 +39,7 @@ struct Walk {
     Family family;
     const std::function<bool(const FoundBlock&)>& visit;
     const WalkLimits& limits;
+    const std::function<void(std::string_view)>& unreadable;
     Properties guarded = guarded_links();
     std::vector<Level> levels{};
     std::string path{};
@@ -127,18 +128,25 @@ void found(Walk& walk, int32_t key, hid_t group)
     if (!walk.visit({key, walk.path, group})) walk.ended = true;
 }
 
+void pass_over(const Walk& walk)
+{
+    if (walk.unreadable) walk.unreadable(walk.path);
+}
+
 void found_block(Walk& walk, hid_t group)
 {
     static constexpr std::array<const char*, 1> key_name{"block"};
     const Attribute attribute = first_attribute(group, key_name);
-    const int32_t key = attribute.valid() ? integer_of(attribute).value_or(0) : 0;
-    if (key != 0) found(walk, key, group);
+    const auto key = attribute.valid() ? integer_of(attribute) : std::nullopt;
+    if (key.value_or(0) != 0) return found(walk, *key, group);
+    if (!key && H5Aexists(group, "block") != 0) pass_over(walk);
 }
 
-// What a hard link leads to, which spares HDF5 the search for the name.
-Group open_target(hid_t holder, const H5O_token_t& target)
+// What a hard link leads to, which spares HDF5 the search for the name. There is something.
+Group open_target(const Walk& walk, hid_t holder, const H5O_token_t& target)
 {
     Object object(H5Oopen_by_token(holder, target));
+    if (!object.valid()) pass_over(walk);
     return Group(H5Iget_type(object.get()) == H5I_GROUP ? object.release() : H5I_INVALID_HID);
 }
 
@@ -158,7 +166,7 @@ void follow(Walk& walk, const Level& level, const Link& link)
     walk.path += link.name;
     const bool hard = link.type == H5L_TYPE_HARD;
     Group group =
-        hard ? open_target(level.group.get(), link.target) : open_path(walk, walk.levels[level.named]);
+        hard ? open_target(walk, level.group.get(), link.target) : open_path(walk, walk.levels[level.named]);
     if (!group.valid()) return;
     if (role == Role::file_header) return found(walk, 1, H5I_INVALID_HID);
     if (role == Role::block) return found_block(walk, group.get());
@@ -188,9 +196,9 @@ bool can_be_walked(hid_t start)
 }
 
 int32_t walk_blocks(Family family, hid_t start, const std::function<bool(const FoundBlock&)>& visit,
-                    const WalkLimits& limits)
+                    const WalkLimits& limits, const std::function<void(std::string_view)>& unreadable)
 {
-    Walk walk{family, visit, limits};
+    Walk walk{family, visit, limits, unreadable};
     Group group(H5Gopen2(start, ".", H5P_DEFAULT));
     if (!group.valid()) return 1;
     const auto identity = identity_of(group.get());
@@ -201,12 +209,14 @@ int32_t walk_blocks(Family family, hid_t start, const std::function<bool(const F
 
 Listing list_blocks(Family family, hid_t start)
 {
-    if (!can_be_walked(start)) return {-1, {}};
+    if (!can_be_walked(start)) return {-1, {}, {}};
     Listing listing;
-    listing.status = walk_blocks(family, start, [&](const FoundBlock& block) {
+    const auto list = [&](const FoundBlock& block) {
         listing.blocks.push_back({block.key, std::string(block.path)});
         return true;
-    });
+    };
+    const auto note = [&](std::string_view path) { listing.unreadable.emplace_back(path); };
+    listing.status = walk_blocks(family, start, list, {}, note);
     return listing;
 }
 

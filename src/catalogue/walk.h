@@ -29,9 +29,11 @@ struct WalkLimits {
 
 // Visits every block below `start` in the order of the names: false from `visit` ends the walk. Soft, hard
 // and external links are followed; those that lead nowhere and blocks without a readable key are passed over
-// in silence. 0, or 1 when there may be blocks that were not visited.
+// in silence; `unreadable`, where given, is told the paths of objects and of block keys that are there and
+// cannot be read. 0, or 1 when there may be blocks that were not visited.
 int32_t walk_blocks(Family family, hid_t start, const std::function<bool(const FoundBlock&)>& visit,
-                    const WalkLimits& limits = {});
+                    const WalkLimits& limits = {},
+                    const std::function<void(std::string_view)>& unreadable = {});
 
 // All blocks below a group, for the tools.
 struct ListedBlock {
@@ -41,6 +43,7 @@ struct ListedBlock {
 struct Listing {
     int32_t status = 0;  // -1 `start` is no file or group; otherwise as walk_blocks
     std::vector<ListedBlock> blocks;
+    std::vector<std::string> unreadable;  // paths of what is there and may be a block
 };
 Listing list_blocks(Family family, hid_t start);
 

@@ -15,7 +15,7 @@ namespace vak {
 FileBlocks blocks_of(Family family, hid_t file)
 {
     Listing listing = list_blocks(family, file);
-    FileBlocks found{std::move(listing.blocks), {}, listing.status};
+    FileBlocks found{std::move(listing.blocks), {}, listing.status, std::move(listing.unreadable)};
     std::vector<int32_t> keys(found.blocks.size());
     std::transform(found.blocks.begin(), found.blocks.end(), keys.begin(),
                    [](const auto& b) { return b.key; });

@@ -16,8 +16,9 @@ constexpr int32_t header_key = 1;  // the file header in a listing
 
 struct FileBlocks {
     std::vector<ListedBlock> blocks;
-    std::vector<int32_t> by_key;  // permutation of the blocks, keys ascending
-    int32_t status = 0;           // not 0: there may be blocks that were not found
+    std::vector<int32_t> by_key;            // permutation of the blocks, keys ascending
+    int32_t status = 0;                     // not 0: there may be blocks that were not found
+    std::vector<std::string> unreadable{};  // paths of what is there and may be a block
 };
 
 FileBlocks blocks_of(Family, hid_t file);

@@ -11,12 +11,13 @@ namespace vak {
 
 namespace {
 
-int32_t merged_count(const Join& join, std::string_view name, int32_t value)
+int32_t merged_count(Join& join, std::string_view name, int32_t value)
 {
     if (name == join.kind.count) return static_cast<int32_t>(join.order->size());
     if (!join.kind.widens) return value;
-    for (const SourceBlock& s : join.sources) {
+    for (SourceBlock& s : join.sources) {
         const int32_t other = s.integer_attribute(name.data()).value_or(value);
+        if (read_failed(join, s.attribute_status())) return value;
         if (name == "length" || name == "nuid") value = std::max(value, other);
         if (name == "off") value &= other;  // a column is left out when no file has it
     }
@@ -38,7 +39,7 @@ void copy_integer(Join& join, Block& io, hid_t group, const char* name)
     if (read_failed(join, VAK_H5Aread(name, &value, integer_type, sizeof value, nullptr, 0, group, &size)))
         return;
     value = merged_count(join, name, value);
-    integer(io, name, &value);
+    if (join.read_status == 0) integer(io, name, &value);
 }
 
 bool is_text(const Type& stored)

@@ -67,7 +67,7 @@ int32_t find_order(Join& join)
 // ---- what the merged columns are
 
 // The size of one value in memory. A text that is longer than the block says is left to the reader to refuse.
-size_t memory_size(const SourceBlock& source, const Column& c, size_t stored)
+size_t memory_size(SourceBlock& source, const Column& c, size_t stored)
 {
     if (c.type == integer_type) return sizeof(int32_t);
     if (c.type == text_type) {
@@ -134,6 +134,7 @@ int32_t add_source(const Join& join, SourceBlock& source, const Column& c,
     if (s.is_lost) return read_failed(join.type(), 1, lost_column);
     if (!s.is_there) return 0;
     MergedColumn found{&c, memory_size(source, c, s.element), row_of(join, source, c, s)};
+    if (source.attribute_status() != 0) return read_failed(join.type(), 1, source.attribute_status());
     const int32_t status = check_extents(join, source, found, s);
     if (merged)
         widen(*merged, found, join.kind.widens);
@@ -157,6 +158,8 @@ int32_t find_columns(Join& join)
         join.columns.push_back(std::move(*merged));
     }
     const std::string variable = join.ruling().text_attribute("etypvar");
+    if (const int32_t status = join.ruling().attribute_status(); status != 0)
+        return read_failed(join.type(), 1, status);
     join.storage = merged_storage(join.merge, join.type(), found_filters(join), variable.c_str());
     join.storage.real_size = std::max(join.storage.real_size, widest);
     return 0;
@@ -206,15 +209,19 @@ int32_t write(Join& join)
 }
 
 // For the domain numbers.
-void note_elements(Join& join)
+int32_t note_elements(Join& join)
 {
-    if (join.kind.kind.key != 300 || !join.merge.adds_domain_number) return;
-    std::vector<Ids>& elements = join.merge.elements[join.ruling().text_attribute("etyp")];
+    if (join.kind.kind.key != 300 || !join.merge.adds_domain_number) return 0;
+    const std::string etyp = join.ruling().text_attribute("etyp");
+    if (const int32_t status = join.ruling().attribute_status(); status != 0)
+        return read_failed(join.type(), 1, status);
+    std::vector<Ids>& elements = join.merge.elements[etyp];
     elements.resize(join.merge.domains.size());
     for (size_t i = 0; i < join.sources.size(); ++i)
         for (const int32_t row : join.order->place[i])
             elements[static_cast<size_t>(join.sources[i].source.file)].push_back(
                 join.order->ids[static_cast<size_t>(row)]);
+    return 0;
 }
 
 }  // namespace
@@ -234,8 +241,7 @@ int32_t join_blocks(Merge& merge, const MergedKind& kind, const TargetBlock& tar
     if (status != 0) return status;
     status = find_columns(join);
     if (status == 0) status = write(join);
-    if (status == 0) note_elements(join);
-    return status;
+    return status == 0 ? note_elements(join) : status;
 }
 
 }  // namespace vak

@@ -34,6 +34,7 @@ int32_t read_lists(SourceBlock& s, Lists& lists)
     lists.ncoll = s.integer_attribute("ncoll").value_or(0);
     lists.ntyp = s.integer_attribute("ntyp").value_or(0);
     lists.nenttot = s.integer_attribute("nenttot").value_or(0);
+    if (s.attribute_status() != 0) return s.attribute_status();
     int32_t status = s.read(idcoll, 4, {extent(lists.ncoll)}, lists.idcoll);
     if (status == 0) status = s.read(etyp, 256, {extent(lists.ntyp)}, lists.etyp);
     if (status == 0) status = s.read(nent, 4, {extent(lists.ncoll), extent(lists.ntyp)}, lists.nent);
@@ -103,6 +104,7 @@ int32_t read_header(SourceBlock& lowest, Header& h)
     h.etypcoll.resize(256);
     h.nindex = lowest.nindex;
     h.indexic = lowest.integer_attribute("indexic").value_or(0);
+    if (lowest.attribute_status() != 0) return lowest.attribute_status();
     if (lowest.stored(indexval).element > sizeof(float)) h.real_size = sizeof(double);
     const int32_t status = lowest.read(indexident, sizeof(int32_t), {extent(h.nindex)}, h.indexident);
     return status != 0 ? status : lowest.read(indexval, h.real_size, {extent(h.nindex)}, h.indexval);
@@ -174,12 +176,12 @@ int32_t merge_collector(const Merge& merge, const MergedKind& kind, const Target
     }
     SourceBlock lowest(merge, kind, target.sources.front());
     Header header;
-    lowest.read_counts();  // went well before
-    if (const int32_t status = read_header(lowest, header); status != 0)
-        return read_failed(kind.kind.type, 2, status);
+    int32_t status = lowest.read_counts();
+    if (status == 0) status = read_header(lowest, header);
+    if (status != 0) return read_failed(kind.kind.type, 2, status);
     const StorageOptions storage = merged_storage(merge, kind.kind.type, lowest.filters(), "");
     const Merged merged = flattened(all);
-    const int32_t status = write_collector(merge, kind.kind, target.path, storage, header, merged);
+    status = write_collector(merge, kind.kind, target.path, storage, header, merged);
     return status == 0 ? 0 : write_failed(kind.kind.type, status);
 }
 

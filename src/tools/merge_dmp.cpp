@@ -72,10 +72,20 @@ bool is_known(int32_t key)
     });
 }
 
+// What the listing passed over would be missing in the target.
+int32_t check_list(const FileBlocks& list, int file)
+{
+    for (const std::string& path : list.unreadable)
+        std::fprintf(stderr, "VAK WARNING file [%d]: \"%s\" cannot be read\n", file, path.c_str());
+    const int32_t status = list.status == 0 && !list.unreadable.empty() ? -1 : list.status;
+    return status == 0 ? 0 : read_failed("vakblock", 1, status);
+}
+
 int32_t check_lists(const Merge& merge)
 {
+    int file = 0;
     for (const Domain& domain : merge.domains)
-        if (domain.list.status != 0) return read_failed("vakblock", 1, domain.list.status);
+        if (const int32_t status = check_list(domain.list, file++); status != 0) return status;
     return 0;
 }
 
@@ -131,11 +141,14 @@ int32_t check_index_limit(const Merge& merge)
     const FileBlocks& list = merge.domains.front().list;
     const auto blocks = blocks_with_key(list, 20);
     if (blocks.empty()) return 0;
-    const char* const names[] = {"nindex"};
     // The listed path of a legacy block leads to its attributes as well.
     const DomainBlock listed{0, 20, list.blocks[static_cast<size_t>(blocks[0])].path};
     const Group group = open_source(merge, listed);
-    const int32_t nindex = integer_of(first_attribute(group.get(), names)).value_or(0);
+    int32_t nindex = 0;
+    size_t stored = 0;
+    const int32_t status =
+        VAK_H5Aread("nindex", &nindex, integer_type, sizeof nindex, nullptr, 0, group.get(), &stored);
+    if (status != 0) return read_failed("indices", 1, status);
     return nindex > max_index ? refuse_index(merge, nindex) : 0;
 }
 

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <new>
 
-#include "catalogue/quiet_attribute.h"
 #include "storage/found_layout.h"
 
 namespace vak {
@@ -42,16 +41,36 @@ hid_t SourceBlock::group_of(const Column& c) const
     return data_.valid() ? data_.get() : group_.get();
 }
 
-std::optional<int32_t> SourceBlock::integer_attribute(const char* name) const
+static int32_t read_integer(hid_t group, const char* name, int32_t* value)
 {
-    const char* const names[] = {name};
-    return integer_of(first_attribute(attributes(), names));
+    size_t stored = 0;
+    return VAK_H5Aread(name, value, integer_type, sizeof *value, nullptr, 0, group, &stored);
 }
 
-std::string SourceBlock::text_attribute(const char* name) const
+// Where HDF5 cannot say, reading will tell.
+bool SourceBlock::may_have(const char* attribute) const { return H5Aexists(attributes(), attribute) != 0; }
+
+void SourceBlock::note(int32_t attribute_status)
 {
-    const char* const names[] = {name};
-    return text_of(first_attribute(attributes(), names)).value_or("");
+    if (attribute_status_ == 0) attribute_status_ = attribute_status;
+}
+
+std::optional<int32_t> SourceBlock::integer_attribute(const char* name)
+{
+    const auto [known, is_new] = integers_.try_emplace(name);
+    if (!is_new || !may_have(name)) return known->second;
+    int32_t value = 0;
+    note(read_integer(attributes(), name, &value));
+    return known->second = value;
+}
+
+std::string SourceBlock::text_attribute(const char* name)
+{
+    if (!may_have(name)) return {};
+    std::string text(256, '\0');
+    size_t stored = 0;
+    note(VAK_H5Aread(name, text.data(), text_type, text.size(), nullptr, 0, attributes(), &stored));
+    return text;
 }
 
 Stored SourceBlock::find(const Column& c) const
@@ -85,12 +104,6 @@ const Stored& SourceBlock::stored(const Column& c)
         std::ranges::find(found_columns_, c.name, &decltype(found_columns_)::value_type::first);
     return known != found_columns_.end() ? known->second
                                          : found_columns_.emplace_back(c.name, find(c)).second;
-}
-
-static int32_t read_integer(hid_t group, const char* name, int32_t* value)
-{
-    size_t stored = 0;
-    return VAK_H5Aread(name, value, integer_type, sizeof *value, nullptr, 0, group, &stored);
 }
 
 // The extent of the values' state axis; where no values are stored, that of the index values.

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <deque>
+#include <map>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -33,8 +34,10 @@ public:
     // Reads the counts that decide whether and how the block can be merged. 0, or the storage layer's code.
     int32_t read_counts();
 
-    std::optional<int32_t> integer_attribute(const char* name) const;
-    std::string text_attribute(const char* name) const;
+    // Attributes that the block may lack; what is there and cannot be read is told by attribute_status().
+    std::optional<int32_t> integer_attribute(const char* name);
+    std::string text_attribute(const char* name);
+    int32_t attribute_status() const { return attribute_status_; }
     const Stored& stored(const Column&);  // found once
 
     // Reads a column, whole or a slab of states; the extents are those that the file must have. The buffer is
@@ -67,11 +70,15 @@ private:
                       Bytes& values);
     void find_states();
     bool has_lost_column();
+    bool may_have(const char* attribute) const;
+    void note(int32_t attribute_status);
 
     const MergedKind& kind_;
     bool is_legacy_;
     Group group_, header_, index_, data_;
     std::deque<std::pair<std::string_view, Stored>> found_columns_;  // stay where they are
+    std::map<std::string, std::optional<int32_t>> integers_;         // attributes are read once
+    int32_t attribute_status_ = 0;
     FoundStorage found_;
 };
 
