@@ -113,6 +113,7 @@ std::vector<Job> jobs()
     for (const Family family : {Family::current, Family::legacy})
         for (const auto& part : {block_jobs(family), series_jobs(family), tool_jobs(family)})
             all.insert(all.end(), part.begin(), part.end());
+    for (size_t i = 0; i < all.size(); ++i) all[i].number = i;
     return all;
 }
 

@@ -25,6 +25,7 @@ struct Job {
     std::vector<Item> items;
     std::function<void(const std::string& file)> prepare = nullptr;  // makes the file that it starts from
     bool passes_over = false;  // what the catalogue, or a listing of links, cannot read
+    size_t number = 0;         // of all jobs
 };
 
 std::vector<Job> jobs();

@@ -14,6 +14,36 @@ namespace vak::test {
 
 bool proves_all() { return std::getenv("VAK_PROVE_ALL") != nullptr; }
 
+namespace {
+
+// VAK_PROVE_PART "2/8": what has number 2, 10, 18 ... of eight processes that share the work.
+struct Part {
+    size_t number = 0, parts = 1;
+};
+Part part()
+{
+    Part p;
+    const char* text = std::getenv("VAK_PROVE_PART");
+    if (text != nullptr && std::sscanf(text, "%zu/%zu", &p.number, &p.parts) != 2)
+        throw std::runtime_error("VAK_PROVE_PART is not of the form 2/8");
+    return p;
+}
+
+constexpr size_t turns = 5;
+
+}  // namespace
+
+bool is_part() { return std::getenv("VAK_PROVE_PART") != nullptr || std::getenv("VAK_PROVE_JOB") != nullptr; }
+
+bool is_in_part(size_t number) { return number % part().parts == part().number; }
+
+bool is_chosen(const Job& job, size_t turn)
+{
+    const char* only = std::getenv("VAK_PROVE_JOB");
+    if (only != nullptr && !job.name.starts_with(only)) return false;
+    return proves_all() ? is_in_part(job.number) : only != nullptr || job.number % turns == turn % turns;
+}
+
 // The share differs from job to job, so that together they see the beginning, the middle and the end.
 std::vector<long> points(long first, long end, long share, size_t job)
 {
@@ -65,6 +95,7 @@ void Table::print(const std::string& job, const Tally& tally) const
 Trials::Trials(const Job& job)
     : job_(job), file_(folder_.file("tried.h5")), before_(folder_.file("before.h5"))
 {
+    H5open();  // once, not in each trial
     if (job_.prepare) job_.prepare(before_);
 }
 

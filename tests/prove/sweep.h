@@ -12,6 +12,11 @@ namespace vak::test {
 
 // All points with VAK_PROVE_ALL in the environment; otherwise so many of each job.
 bool proves_all();
+// One of several processes that share the work, or one that was asked for some jobs.
+bool is_part();
+bool is_in_part(size_t number);
+// By default each sweep takes every fifth job, another fifth than the sweep before it.
+bool is_chosen(const Job& job, size_t turn);
 std::vector<long> points(long first, long end, long share, size_t job);
 
 struct Tally {
