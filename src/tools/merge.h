@@ -85,8 +85,11 @@ struct MergedKind;
 int32_t merge_collector(const Merge&, const MergedKind&, const TargetBlock&);
 int32_t copy_lowest(const Merge&, const char* type, const TargetBlock&);
 
-// Copies a block's group; legacy: its subgroups. 0 or -1.
-int32_t copy_block(const Merge&, const DomainBlock&);
+// Copies a block's group; legacy: its subgroups. 0, or the status that ends the merge.
+int32_t copy_block(const Merge&, const char* type, const DomainBlock&);
+
+// Bounds the index values of a block that is copied, where it counts them.
+int32_t check_nindex(const Merge&, const char* type, const DomainBlock&);
 
 // The lines that several steps print.
 int32_t read_failed(const char* type, int32_t pass, int32_t status);

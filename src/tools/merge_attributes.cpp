@@ -76,6 +76,8 @@ void copy_foreign(Block& io, const Attribute& from, const char* name)
                      name, io.kind.type);
 }
 
+constexpr int32_t lost_attributes = -4002;  // status, as of an attribute that cannot be opened
+
 struct Attributes {
     Join* join;
     Block* io;
@@ -86,6 +88,7 @@ herr_t copy_attribute(hid_t group, const char* name, const H5A_info_t*, void* da
     auto& [join, io] = *static_cast<Attributes*>(data);
     if (join->kind.is_series && std::string_view(name) == "nstate") return 0;  // written last
     const Attribute attribute(H5Aopen(group, name, H5P_DEFAULT));
+    if (!attribute.valid()) return -1;
     const Type stored(H5Aget_type(attribute.get()));
     const Space space(H5Aget_space(attribute.get()));
     const bool is_one = H5Sget_simple_extent_type(space.get()) == H5S_SCALAR;
@@ -100,12 +103,26 @@ herr_t copy_attribute(hid_t group, const char* name, const H5A_info_t*, void* da
 
 }  // namespace
 
-void write_attributes(Join& join, Block& io)
+static bool has_attributes(hid_t group)
+{
+    H5O_info2_t info;
+    return H5Oget_info3(group, &info, H5O_INFO_NUM_ATTRS) < 0 || info.num_attrs > 0;
+}
+
+static void copy_attributes(Join& join, Block& io, hid_t from, const char* section)
 {
     Attributes attributes{&join, &io};
     hsize_t at = 0;
-    enter(io, "header");
-    H5Aiterate2(join.ruling().attributes(), H5_INDEX_NAME, H5_ITER_NATIVE, &at, copy_attribute, &attributes);
+    if (has_attributes(from)) enter(io, section);
+    const herr_t status = H5Aiterate2(from, H5_INDEX_NAME, H5_ITER_NATIVE, &at, copy_attribute, &attributes);
+    if (status < 0 && join.read_status == 0 && !io.stopped) read_failed(join, lost_attributes);
+}
+
+void write_attributes(Join& join, Block& io)
+{
+    copy_attributes(join, io, join.ruling().attributes(), "header");
+    // Legacy: the frame of older results, and what others have put there.
+    for (const auto& [section, group] : join.ruling().sections()) copy_attributes(join, io, group, section);
 }
 
 }  // namespace vak

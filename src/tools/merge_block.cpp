@@ -66,14 +66,17 @@ int32_t find_order(Join& join)
 
 // ---- what the merged columns are
 
-// The size of one value in memory. A text that is longer than the block says is left to the reader to refuse.
+constexpr int32_t text_size = 256;  // of texts that have no length of their own
+
+// The size of one value in memory: a text's by the block's "length", where that has one. A stored text that
+// is longer is left to the reader to refuse.
 size_t memory_size(SourceBlock& source, const Column& c, size_t stored)
 {
     if (c.type == integer_type) return sizeof(int32_t);
-    if (c.type == text_type) {
-        const int32_t length = source.integer_attribute("length").value_or(0);
-        return length > 0 ? std::min(stored, static_cast<size_t>(length)) : stored;
-    }
+    if (c.type == text_type)
+        return c.when.attribute == nullptr || c.role != Role::row
+                   ? text_size
+                   : static_cast<size_t>(source.integer_attribute("length").value_or(text_size));
     return stored > sizeof(float) ? sizeof(double) : sizeof(float);
 }
 
@@ -104,10 +107,10 @@ hsize_t total_of(const Join& join, SourceBlock& source, const Column& c)
 }
 
 // The extents of one row by the block's own counts.
-Extents row_of(const Join& join, SourceBlock& source, const Column& c, const Stored& s)
+Extents row_of(const Join& join, SourceBlock& source, const Column& c)
 {
     if (c.total_of != nullptr) return {total_of(join, source, c)};
-    if (c.may_lack_row && s.dims.size() == 1) return {};
+    if (c.row_when != nullptr && source.integer_attribute(c.row_when) != 2) return {};
     Extents row;
     for (const char* const name : c.row)
         if (name != nullptr)
@@ -116,26 +119,36 @@ Extents row_of(const Join& join, SourceBlock& source, const Column& c, const Sto
     return row;
 }
 
+bool is_empty(const Extents& extents) { return std::ranges::find(extents, hsize_t{0}) != extents.end(); }
+
 // Nothing is sized by a count that the array does not bear out. Index rows may go on behind the last state.
 int32_t check_extents(const Join& join, SourceBlock& source, const MergedColumn& c, const Stored& s)
 {
     const Extents counted = source_extents(join, source, c, c.row);
-    if (s.dims == counted || (has_states(join, *c.column) && c.column->role == Role::index)) return 0;
-    Bytes values;
-    const bool is_empty = std::ranges::find(counted, hsize_t{0}) != counted.end();
-    return is_empty ? 0 : read_failed(join.type(), 2, source.check(*c.column, c.element, counted));
+    const bool may_go_on = has_states(join, *c.column) && c.column->role == Role::index;
+    if (is_empty(counted) || s.dims == counted || (s.is_there && may_go_on)) return 0;
+    return read_failed(join.type(), 2, source.check(*c.column, c.element, counted));
 }
 
-// What the column of one source adds to the merged one.
+int32_t attribute_failure(const Join& join, const SourceBlock& source)
+{
+    const int32_t status = source.attribute_status();
+    return status == 0 ? 0 : read_failed(join.type(), 1, status);
+}
+
+// What the column of one source adds to the merged one. One without entities stores no array, but where rows
+// take the widest shape its counts tell.
 int32_t add_source(const Join& join, SourceBlock& source, const Column& c,
                    std::optional<MergedColumn>& merged)
 {
+    if (!source.has(c)) return attribute_failure(join, source);
     const Stored& s = source.stored(c);
     if (s.is_lost) return read_failed(join.type(), 1, lost_column);
-    if (!s.is_there) return 0;
-    MergedColumn found{&c, memory_size(source, c, s.element), row_of(join, source, c, s)};
-    if (source.attribute_status() != 0) return read_failed(join.type(), 1, source.attribute_status());
-    const int32_t status = check_extents(join, source, found, s);
+    if (!s.is_there && c.is_optional) return 0;
+    MergedColumn found{&c, memory_size(source, c, s.element), row_of(join, source, c)};
+    int32_t status = attribute_failure(join, source);
+    if (status == 0) status = check_extents(join, source, found, s);
+    if (!s.is_there && !join.kind.widens) return status;
     if (merged)
         widen(*merged, found, join.kind.widens);
     else
@@ -143,12 +156,18 @@ int32_t add_source(const Join& join, SourceBlock& source, const Column& c,
     return status;
 }
 
+// Identifiers are always there; weights where the values are joined by operators.
+bool is_always_there(Join& join, const Column& c)
+{
+    return c.role == Role::ids || (c.role == Role::weight && join.ruling().has(c));
+}
+
 int32_t find_columns(Join& join)
 {
     size_t widest = 0;
     for (const Column& c : join.kind.columns) {
         std::optional<MergedColumn> merged;
-        if (c.role == Role::ids) merged = MergedColumn{&c, sizeof(int32_t), {}};
+        if (is_always_there(join, c)) merged = MergedColumn{&c, sizeof(int32_t), {}};
         for (SourceBlock& source : join.sources) {
             if (c.role == Role::ids || (!has_rows(c) && &source != &join.ruling())) break;
             if (const int32_t status = add_source(join, source, c, merged); status != 0) return status;
@@ -158,8 +177,7 @@ int32_t find_columns(Join& join)
         join.columns.push_back(std::move(*merged));
     }
     const std::string variable = join.ruling().text_attribute("etypvar");
-    if (const int32_t status = join.ruling().attribute_status(); status != 0)
-        return read_failed(join.type(), 1, status);
+    if (const int32_t status = attribute_failure(join, join.ruling()); status != 0) return status;
     join.storage = merged_storage(join.merge, join.type(), found_filters(join), variable.c_str());
     join.storage.real_size = std::max(join.storage.real_size, widest);
     return 0;
@@ -213,8 +231,7 @@ int32_t note_elements(Join& join)
 {
     if (join.kind.kind.key != 300 || !join.merge.adds_domain_number) return 0;
     const std::string etyp = join.ruling().text_attribute("etyp");
-    if (const int32_t status = join.ruling().attribute_status(); status != 0)
-        return read_failed(join.type(), 1, status);
+    if (const int32_t status = attribute_failure(join, join.ruling()); status != 0) return status;
     std::vector<Ids>& elements = join.merge.elements[etyp];
     elements.resize(join.merge.domains.size());
     for (size_t i = 0; i < join.sources.size(); ++i)

@@ -89,7 +89,7 @@ bool add_rows(Join& join, const MergedColumn& c, size_t i, Bytes& merged)
     MergedColumn own = c;
     if (join.kind.widens) {
         const Stored& s = join.sources[i].stored(*c.column);
-        if (!s.is_there) return true;
+        if (!s.is_there || !join.sources[i].has(*c.column)) return true;
         own.row.assign(s.dims.begin() + 1, s.dims.end());  // as many as its counts, which were checked
     }
     Bytes& values = join.merge.scratch.read;

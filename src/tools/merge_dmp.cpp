@@ -3,7 +3,6 @@
 #include <cstdio>
 #include <numeric>
 
-#include "catalogue/quiet_attribute.h"
 #include "tools/merge.h"
 #include "tools/merge_block.h"
 #include "tools/tool.h"
@@ -136,20 +135,34 @@ Exponents exponents_of(int32_t n, const char* names, const int32_t* values)
 
 }  // namespace
 
-int32_t check_index_limit(const Merge& merge)
+int32_t check_nindex(const Merge& merge, const char* type, const DomainBlock& source)
 {
-    const FileBlocks& list = merge.domains.front().list;
-    const auto blocks = blocks_with_key(list, 20);
-    if (blocks.empty()) return 0;
-    // The listed path of a legacy block leads to its attributes as well.
-    const DomainBlock listed{0, 20, list.blocks[static_cast<size_t>(blocks[0])].path};
-    const Group group = open_source(merge, listed);
+    const Group block = open_source(merge, source);
+    const Group header(merge.family == Family::legacy ? H5Gopen2(block.get(), "header", H5P_DEFAULT)
+                                                      : H5I_INVALID_HID);
+    const hid_t group = header.valid() ? header.get() : block.get();
+    if (H5Aexists(group, "nindex") == 0) return 0;
     int32_t nindex = 0;
     size_t stored = 0;
     const int32_t status =
-        VAK_H5Aread("nindex", &nindex, integer_type, sizeof nindex, nullptr, 0, group.get(), &stored);
-    if (status != 0) return read_failed("indices", 1, status);
+        VAK_H5Aread("nindex", &nindex, integer_type, sizeof nindex, nullptr, 0, group, &stored);
+    if (status != 0) return read_failed(type, 1, status);
     return nindex > max_index ? refuse_index(merge, nindex) : 0;
+}
+
+int32_t check_index_limit(const Merge& merge)
+{
+    int32_t file = 0;
+    for (const Domain& domain : merge.domains) {
+        for (const int32_t number : blocks_with_key(domain.list, 20)) {
+            const std::string& listed = domain.list.blocks[static_cast<size_t>(number)].path;
+            const int32_t status =
+                check_nindex(merge, "indices", {file, 20, block_path(merge.family, listed)});
+            if (status != 0) return status;
+        }
+        ++file;
+    }
+    return 0;
 }
 
 int32_t merge_kinds(Merge& merge)

@@ -15,11 +15,23 @@ constexpr Column integer_row(const char* name, const char* width = nullptr)
     return {name, integer_type, Role::row, {width}};
 }
 
-// Legacy: units of each real parameter, one list after the other, and how many each has.
-constexpr Column unit_counts(const char* name) { return {name, integer_type, Role::common, {"nbfloat"}}; }
+// Units of each real parameter, one list after the other, and how many each has.
+constexpr Column unit_counts(const char* name)
+{
+    return {.name = name, .type = integer_type, .role = Role::common, .row = {"nbfloat"}, .is_legacy = true};
+}
 constexpr Column unit_list(const char* name, int32_t type, const char* counts)
 {
-    return {.name = name, .type = type, .role = Role::common, .total_of = counts};
+    return {.name = name, .type = type, .role = Role::common, .total_of = counts, .is_legacy = true};
+}
+
+constexpr bool is_none(int32_t value) { return value == 0; }
+constexpr bool is_one(int32_t value) { return value == 1; }
+constexpr bool is_some(int32_t value) { return value > 0; }
+template <int32_t bit>
+constexpr bool lacks(int32_t value)
+{
+    return !(value & bit);
 }
 
 constexpr Column connectivity_columns[] = {indexident,
@@ -41,10 +53,19 @@ constexpr Column flags{"status", integer_type, Role::flag};
 constexpr Column activation_columns[] = {indexident, indexval, entid, flags};
 constexpr Column activation_series_columns[] = {entid, indexident, indexval, flags};
 
-constexpr Column title{"title", text_type, Role::row};
-constexpr Column parts_columns[] = {
-    indexident,          indexval,           {"pid", integer_type, Role::ids}, title, integer_row("mid"),
-    integer_row("mtyp"), integer_row("pcol")};
+constexpr Column title{.name = "title", .type = text_type, .role = Role::row, .when = {"length", is_some}};
+// Parts tell by bits of "off" which columns they have not.
+constexpr Column part_column(const char* name, bool (*is_there)(int32_t))
+{
+    return {.name = name, .type = integer_type, .role = Role::row, .when = {"off", is_there}};
+}
+constexpr Column parts_columns[] = {indexident,
+                                    indexval,
+                                    {"pid", integer_type, Role::ids},
+                                    title,
+                                    part_column("mid", lacks<1>),
+                                    part_column("mtyp", lacks<2>),
+                                    part_column("pcol", lacks<4>)};
 constexpr Column attribute_columns[] = {indexident, indexval, entid, title, integer_row("uid", "nuid")};
 
 // Their filters are found by these; the sets themselves are joined by other means.
@@ -61,18 +82,37 @@ constexpr Column property_columns[] = {indexident,
                                        integer_row("idparam", "nbid"),
                                        integer_row("iparam", "nbint"),
                                        {"fparam", real_type, Role::row, {"nbfloat"}},
-                                       {"cparam", text_type, Role::row, {"nbstring"}}};
+                                       {.name = "cparam",
+                                        .type = text_type,
+                                        .role = Role::row,
+                                        .row = {"nbstring"},
+                                        .when = {"length", is_some}}};
 constexpr Names properties_agree[] = {"nbid", "nbint", "nbfloat", "nbstring", "length"};
 
-constexpr Column fidglob{"fidglob", integer_type, Role::common};
-constexpr Column fid{"fid", integer_type, Role::row};
+// One frame for all; older files have it as an attribute.
+constexpr Column fidglob{.name = "fidglob",
+                         .type = integer_type,
+                         .role = Role::common,
+                         .when = {"fswitch", is_none},
+                         .is_optional = true};
+constexpr Column fid{.name = "fid", .type = integer_type, .role = Role::row, .when = {"fswitch", is_one}};
+// One frame for each element, or for each location.
 constexpr Column element_fid{.name = "fid",
                              .type = integer_type,
                              .role = Role::row,
                              .row = {"numl"},
-                             .may_lack_row = true};  // one frame for each location, or for each element
-constexpr Column operators{"operator", text_type, Role::common, {"ncoo"}};
-constexpr Column weight{"weight", real_type, Role::weight};
+                             .when = {"fswitch", is_some},
+                             .row_when = "fswitch"};
+constexpr Column operators{.name = "operator",
+                           .type = text_type,
+                           .role = Role::common,
+                           .row = {"ncoo"},
+                           .when = {"dmpswitch", is_one}};
+constexpr Column weight{.name = "weight",
+                        .type = real_type,
+                        .role = Role::weight,
+                        .when = {"dmpswitch", is_one},
+                        .is_optional = true};
 
 constexpr Column idele{"idele", integer_type, Role::ids};
 constexpr Column eloc{"eloc", real_type, Role::common, {"numl", "ndim"}};
@@ -117,16 +157,19 @@ constexpr MergedKind kinds[] = {
     {.kind = {.key = 1100, .type = "elementresults", .complex_key = 1101},
      .count = "nele",
      .agreeing = elements_agree,
-     .columns = element_columns},
+     .columns = element_columns,
+     .last_fswitch = 2},
     {.kind = {.key = 1000, .type = "entityresults", .complex_key = 1001},
      .count = "nent",
      .agreeing = entities_agree,
-     .columns = entity_columns},
+     .columns = entity_columns,
+     .last_fswitch = 1},
     {.kind = {.key = 1050, .type = "multientityresults", .complex_key = 1051},
      .count = "nent",
      .agreeing = entities_agree,
      .columns = entity_series_columns,
-     .is_series = true},
+     .is_series = true,
+     .last_fswitch = 1},
     {.kind = {.key = 10000, .type = "densematrix", .complex_key = 10001}, .way = Way::copy},
     {.kind = {.key = 10100, .type = "triangularmatrix", .complex_key = 10101}, .way = Way::copy},
     {.kind = {.key = 10200, .type = "sparsematrix", .complex_key = 10201}, .way = Way::copy, .is_rare = true},
@@ -140,6 +183,7 @@ constexpr MergedKind kinds[] = {
      .agreeing = elements_agree,
      .columns = element_series_columns,
      .is_series = true,
+     .last_fswitch = 2,
      .is_rare = true},
     {.kind = {.key = 2150, .type = "multiactivflags"},
      .count = "nent",

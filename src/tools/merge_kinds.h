@@ -19,6 +19,12 @@ enum class Role {
     values   // by the operators of their components, where the block has them
 };
 
+// Stored only where this holds for an attribute of the block; where the block has no such attribute too.
+struct When {
+    const char* attribute = nullptr;
+    bool (*holds)(int32_t) = nullptr;
+};
+
 struct Column {
     const char* name;
     int32_t type;
@@ -26,7 +32,10 @@ struct Column {
     std::array<const char*, 2> row{};  // the attributes that give the extents of one row
     bool is_lossy = false;             // its writer keeps the scale-offset bit
     const char* total_of = nullptr;    // or the column whose sum is its extent
-    bool may_lack_row = false;         // stored without that extent as well
+    When when{};
+    const char* row_when = nullptr;  // the row's extents are there only where this attribute is 2
+    bool is_optional = false;        // readers do without
+    bool is_legacy = false;          // the current family has none
 };
 
 enum class Way {
@@ -42,6 +51,7 @@ struct MergedKind {
     std::span<const char* const> agreeing{};  // attributes in which blocks that become one must agree
     std::span<const Column> columns{};        // in the order in which they are written
     bool is_series = false;                   // index, flags and values have a leading axis of states
+    int32_t last_fswitch = 0;                 // of results: the largest frame switch that there is
     bool widens = false;                      // rows take the widest of the files' shapes
     bool index_in_data = false;               // legacy: no subgroup "index"
     bool is_rare = false;                     // reported only where there are such blocks

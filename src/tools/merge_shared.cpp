@@ -4,6 +4,7 @@
 #include <set>
 
 #include "frame/guarded_links.h"
+#include "tools/check_chunks.h"
 #include "tools/merge.h"
 #include "tools/same_contents.h"
 
@@ -62,8 +63,8 @@ int32_t copy_kind(const Merge& merge, const SharedKind& kind)
             if (!copied.insert(path).second) continue;
             if (!told && merge.level > 0) print_copy(kind, file);
             told = true;
-            const int32_t status = copy_block(merge, {static_cast<int32_t>(file), kind.key, path});
-            if (status != 0) return write_failed(kind.type, status);
+            const int32_t status = copy_block(merge, kind.type, {static_cast<int32_t>(file), kind.key, path});
+            if (status != 0) return status;
         }
         if (file == 0) report_count(merge, kind, blocks_with_key(list, kind.key).size());
     }
@@ -113,18 +114,29 @@ bool exists_in_target(const Merge& merge, const std::string& path)
     return H5Lexists(merge.target, block.c_str(), H5P_DEFAULT) > 0;
 }
 
-int32_t copy_block(const Merge& merge, const DomainBlock& source)
+// Those of the index block are a later step's matter.
+static int32_t check_copied(const Merge& merge, const char* type, const DomainBlock& source)
+{
+    if (const int32_t status = source.key == 20 ? 0 : check_nindex(merge, type, source); status != 0)
+        return status;
+    const Group group = open_source(merge, source);
+    const int32_t status = check_chunks(group.get());
+    return status == 0 ? 0 : read_failed(type, 2, status);
+}
+
+int32_t copy_block(const Merge& merge, const char* type, const DomainBlock& source)
 {
     if (exists_in_target(merge, source.path)) {
         std::fprintf(stderr, "VAK WARNING target file: block key %d \"%s\" is there already and stays\n",
                      source.key, source.path.c_str());
         return 0;
     }
+    if (const int32_t status = check_copied(merge, type, source); status != 0) return status;
     const Group group = open_source(merge, source);
     const bool copied = merge.family == Family::current
                             ? copy_object(group.get(), ".", merge.target, source.path.c_str())
                             : copy_sections(group, merge.target, source.path);
-    return copied ? 0 : -1;
+    return copied ? 0 : write_failed(type, -1);
 }
 
 int32_t copy_shared_blocks(const Merge& merge)
@@ -141,11 +153,11 @@ int32_t copy_lowest(const Merge& merge, const char* type, const TargetBlock& tar
     const Group ruling = open_source(merge, lowest);
     for (const DomainBlock& source : target.sources) {
         if (&source == &lowest) continue;
+        if (const int32_t status = check_nindex(merge, type, source); status != 0) return status;
         const Group other = open_source(merge, source);
         if (!same_contents(ruling.get(), other.get())) warn_left_out(source, "its contents", lowest);
     }
-    const int32_t status = copy_block(merge, lowest);
-    return status == 0 ? 0 : write_failed(type, status);
+    return copy_block(merge, type, lowest);
 }
 
 }  // namespace vak

@@ -35,6 +35,14 @@ SourceBlock::SourceBlock(const Merge& merge, const MergedKind& kind, const Domai
     data_ = open_section(group_, "data");
 }
 
+std::vector<std::pair<const char*, hid_t>> SourceBlock::sections() const
+{
+    std::vector<std::pair<const char*, hid_t>> all;
+    if (index_.valid()) all.emplace_back("index", index_.get());
+    if (data_.valid()) all.emplace_back("data", data_.get());
+    return all;
+}
+
 hid_t SourceBlock::group_of(const Column& c) const
 {
     if (c.role == Role::index && index_.valid()) return index_.get();
@@ -106,6 +114,14 @@ const Stored& SourceBlock::stored(const Column& c)
                                          : found_columns_.emplace_back(c.name, find(c)).second;
 }
 
+bool SourceBlock::has(const Column& c)
+{
+    if (c.is_legacy && !is_legacy_) return false;
+    if (c.when.attribute == nullptr) return true;
+    const auto value = integer_attribute(c.when.attribute);
+    return !value || c.when.holds(*value);
+}
+
 // The extent of the values' state axis; where no values are stored, that of the index values.
 void SourceBlock::find_states()
 {
@@ -125,10 +141,19 @@ int32_t SourceBlock::read_counts()
         int32_t value = 0;
         if (status == 0) status = read_integer(attributes(), name, &value);
         agreeing.push_back(value);
+        integers_[name] = value;
     }
     count = std::max(count, 0);
+    if (status == 0 && kind_.last_fswitch > 0) status = check_fswitch();
     if (status == 0 && kind_.is_series) find_states();
     return status == 0 && has_lost_column() ? lost_column : status;
+}
+
+// As the readers of results do.
+int32_t SourceBlock::check_fswitch()
+{
+    const int32_t fswitch = integer_attribute("fswitch").value_or(0);
+    return fswitch < 0 || fswitch > kind_.last_fswitch ? -123 : 0;
 }
 
 // Left out it would be missed by nobody but the reader of the merged block.
@@ -137,7 +162,7 @@ bool SourceBlock::has_lost_column()
     return std::ranges::any_of(kind_.columns, [&](const Column& c) {
         const bool is_of_lowest =
             c.role == Role::index || c.role == Role::common;  // looked at when it is read
-        return !is_of_lowest && stored(c).is_lost;
+        return !is_of_lowest && has(c) && stored(c).is_lost;
     });
 }
 
@@ -186,6 +211,7 @@ int32_t SourceBlock::read_states(const Column& c, size_t element, const std::vec
 FoundStorage SourceBlock::filters(bool is_ruling)
 {
     for (const Column& c : kind_.columns) {
+        if (!has(c)) continue;
         if (!is_ruling && (c.role == Role::index || c.role == Role::common)) continue;
         const Stored& s = stored(c);
         if (!s.is_there || s.is_plain || s.dims.empty()) continue;

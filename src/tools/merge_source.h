@@ -31,7 +31,7 @@ class SourceBlock {
 public:
     SourceBlock(const Merge&, const MergedKind&, const DomainBlock&);
 
-    // Reads the counts that decide whether and how the block can be merged. 0, or the storage layer's code.
+    // Reads the counts that decide whether and how the block can be merged. 0, or the code of its reader.
     int32_t read_counts();
 
     // Attributes that the block may lack; what is there and cannot be read is told by attribute_status().
@@ -39,6 +39,7 @@ public:
     std::string text_attribute(const char* name);
     int32_t attribute_status() const { return attribute_status_; }
     const Stored& stored(const Column&);  // found once
+    bool has(const Column&);              // by its counts and switches
 
     // Reads a column, whole or a slab of states; the extents are those that the file must have. The buffer is
     // sized for it.
@@ -56,6 +57,9 @@ public:
     // The group that holds them.
     hid_t attributes() const { return is_legacy_ ? header_.get() : group_.get(); }
 
+    // Legacy: the other groups of the block, as far as they are there.
+    std::vector<std::pair<const char*, hid_t>> sections() const;
+
     DomainBlock source;
     int32_t count = 0;  // entities
     int32_t nindex = 0;
@@ -70,6 +74,7 @@ private:
                       Bytes& values);
     void find_states();
     bool has_lost_column();
+    int32_t check_fswitch();
     bool may_have(const char* attribute) const;
     void note(int32_t attribute_status);
 

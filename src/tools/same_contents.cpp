@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <limits>
 #include <new>
 #include <string>
 #include <vector>
@@ -44,17 +45,6 @@ std::vector<std::string> attribute_names(hid_t object)
         return add(found, name);
     };
     H5Aiterate2(object, H5_INDEX_NAME, H5_ITER_NATIVE, &at, visit, &names);
-    return sorted(std::move(names));
-}
-
-std::vector<std::string> link_names(hid_t group)
-{
-    Names names;
-    hsize_t at = 0;
-    const auto visit = [](hid_t, const char* name, const H5L_info2_t*, void* found) {
-        return add(found, name);
-    };
-    H5Literate2(group, H5_INDEX_NAME, H5_ITER_NATIVE, &at, visit, &names);
     return sorted(std::move(names));
 }
 
@@ -105,24 +95,15 @@ bool read_rows(const Rows& r, hsize_t first, hsize_t n, std::vector<char>& value
            H5Dread(r.dataset, r.type, memory.get(), r.space->get(), H5P_DEFAULT, values.data()) >= 0;
 }
 
-// Bytes of one row; 0 where they cannot be compared in pieces.
-size_t row_bytes_of(hid_t type, const std::vector<hsize_t>& dims)
-{
-    size_t bytes = H5Tget_size(type);
-    for (size_t i = 1; i < dims.size(); ++i)
-        if (__builtin_mul_overflow(bytes, dims[i], &bytes)) return 0;
-    return bytes <= 64 * piece_bytes ? bytes : 0;
-}
-
 bool same_values(const Dataset& a, const Dataset& b, const Type& type, const Space& space)
 {
-    std::vector<hsize_t> dims(static_cast<size_t>(std::max(H5Sget_simple_extent_ndims(space.get()), 0)));
+    const std::vector<hsize_t> dims = extents_of(a);
     if (dims.empty()) return false;
-    H5Sget_simple_extent_dims(space.get(), dims.data(), nullptr);
     if (std::ranges::find(dims, hsize_t{0}) != dims.end()) return true;
-    const size_t row = row_bytes_of(type.get(), dims);
-    if (row == 0) return false;
-    const hsize_t step = std::max<hsize_t>(piece_bytes / row, 1);
+    const size_t row = row_bytes_of(dims, H5Tget_size(type.get()));
+    if (row > most_row_bytes) return false;
+    const hsize_t step = std::max(rows_at_once(a, dims, H5Tget_size(type.get())),
+                                  rows_at_once(b, dims, H5Tget_size(type.get())));
     const Rows of_a{a.get(), type.get(), &space, row, dims}, of_b{b.get(), type.get(), &space, row, dims};
     std::vector<char> values_a, values_b;
     for (hsize_t at = 0; at < dims[0]; at += step) {
@@ -141,12 +122,11 @@ bool same_dataset(hid_t a, hid_t b, const char* name)
     return same_form(type_a, type_b, space_a, space_b) && same_values(of_a, of_b, type_a, space_a);
 }
 
-bool same_object(hid_t a, hid_t b, const char* name)
+bool same_object(hid_t a, hid_t b, const char* name, int depth)
 {
     const Group of_a(H5Gopen2(a, name, H5P_DEFAULT)), of_b(H5Gopen2(b, name, H5P_DEFAULT));
     if (!of_a.valid() && !of_b.valid()) return same_dataset(a, b, name);
-    // Only a legacy block's own subgroups: what is nested beside them is another block.
-    return of_a.valid() && of_b.valid() && same_contents(of_a.get(), of_b.get());
+    return of_a.valid() && of_b.valid() && same_contents(of_a.get(), of_b.get(), depth);
 }
 
 }  // namespace
@@ -157,12 +137,49 @@ bool stands_alone(const Type& stored)
            H5Tdetect_class(stored.get(), H5T_REFERENCE) == 0;
 }
 
-bool same_contents(hid_t a, hid_t b)
+std::vector<std::string> names_in(hid_t group)
 {
-    if (!same_attributes(a, b)) return false;
-    const std::vector<std::string> names = link_names(a);
-    return names == link_names(b) && std::ranges::all_of(names, [&](const std::string& name) {
-               return same_object(a, b, name.c_str());
+    Names names;
+    hsize_t at = 0;
+    const auto visit = [](hid_t, const char* name, const H5L_info2_t*, void* found) {
+        return add(found, name);
+    };
+    H5Literate2(group, H5_INDEX_NAME, H5_ITER_NATIVE, &at, visit, &names);
+    return sorted(std::move(names));
+}
+
+std::vector<hsize_t> extents_of(const Dataset& dataset)
+{
+    const Space space(H5Dget_space(dataset.get()));
+    std::vector<hsize_t> dims(static_cast<size_t>(std::max(H5Sget_simple_extent_ndims(space.get()), 0)));
+    H5Sget_simple_extent_dims(space.get(), dims.data(), nullptr);
+    return dims;
+}
+
+size_t row_bytes_of(const std::vector<hsize_t>& dims, size_t element)
+{
+    size_t bytes = element;
+    for (size_t i = 1; i < dims.size(); ++i)
+        if (__builtin_mul_overflow(bytes, dims[i], &bytes)) return std::numeric_limits<size_t>::max();
+    return bytes;
+}
+
+hsize_t rows_at_once(const Dataset& dataset, const std::vector<hsize_t>& dims, size_t element)
+{
+    const Properties list(H5Dget_create_plist(dataset.get()));
+    std::vector<hsize_t> chunk(dims.size(), 1);
+    if (H5Pget_layout(list.get()) == H5D_CHUNKED)
+        H5Pget_chunk(list.get(), static_cast<int>(chunk.size()), chunk.data());
+    const hsize_t chunks = piece_bytes / std::max<size_t>(row_bytes_of(dims, element), 1) / chunk[0];
+    return std::max<hsize_t>(chunks, 1) * chunk[0];
+}
+
+bool same_contents(hid_t a, hid_t b, int depth)
+{
+    if (depth == 0 || !same_attributes(a, b)) return false;
+    const std::vector<std::string> names = names_in(a);
+    return names == names_in(b) && std::ranges::all_of(names, [&](const std::string& name) {
+               return same_object(a, b, name.c_str(), depth - 1);
            });
 }
 

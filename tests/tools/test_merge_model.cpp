@@ -5,7 +5,6 @@
 #include "samples/collector.h"
 #include "samples/connectivities.h"
 #include "samples/parts.h"
-#include "samples/properties.h"
 #include "support/block_test.h"
 #include "tools/merge_test.h"
 
@@ -212,6 +211,46 @@ TEST_P(MergeModel, attributes_without_titles_join_those_with)
     EXPECT_EQ(trimmed(texts(first, "title").at(0)), "");
 }
 
+// What the merged counts promise is stored.
+TEST_P(MergeModel, a_domain_without_entities_has_its_say_in_the_widths)
+{
+    const Attributes none = titles({}, 5, 9, ""), some = titles({7, 3}, 2, 6, "some"),
+                     plain = titles({4, 1}, 0, 0, "");
+    const auto expect_readable = [&](const Attributes& first, const Attributes& second, int32_t nent) {
+        restart();
+        merge_two(first, second);
+        EXPECT_EQ(attribute(first, "nuid"), 5);
+        Attributes merged = first;
+        merged.nent = nent;
+        merged.entid.assign(static_cast<size_t>(nent), 0);
+        merged.uid.assign(static_cast<size_t>(nent) * 5, -1);
+        merged.title.assign(static_cast<size_t>(nent) * 256, '?');
+        EXPECT_GE(merged.read(open_object(target(), first.path()), legacy() ? 2 : 11), 0) << printed();
+        return merged.uid;
+    };
+    const std::vector<int32_t> uids{22, 23, 0, 0, 0, 20, 21, 0, 0, 0};
+    EXPECT_EQ(expect_readable(none, some, 2), uids);
+    EXPECT_EQ(expect_readable(some, none, 2), uids);
+    EXPECT_EQ(expect_readable(none, plain, 2), std::vector<int32_t>(10, 0));
+    EXPECT_EQ(expect_readable(plain, none, 2), std::vector<int32_t>(10, 0));
+    EXPECT_TRUE(expect_readable(none, none, 0).empty());
+}
+
+TEST_P(MergeModel, parts_of_a_domain_without_any_make_no_column_that_is_missing)
+{
+    auto none = sample_of<Parts>(family()), some = none;
+    none.npart = 0;
+    none.pid = none.mid = none.mtyp = none.pcol = {};
+    none.title.clear();
+    none.off = 0;
+    some.off = 7;
+    merge_two(some, none);
+    EXPECT_EQ(attribute(some, "off"), 0);
+    Parts merged = sample_of<Parts>(family());
+    EXPECT_GE(merged.read(open_object(target(), some.path()), 3), 0) << printed();
+    EXPECT_EQ(integers(some, "mid"), std::vector<int32_t>(some.pid.size(), 0));
+}
+
 TEST_P(MergeModel, collectors_are_joined_without_repeats)
 {
     auto first = sample_of<Collector>(family()), second = first;
@@ -269,58 +308,5 @@ TEST_P(MergeModel, blocks_of_other_states_and_names_stay_apart)
 }
 
 INSTANTIATE_TEST_SUITE_P(, MergeModel, both_families, family_name);
-
-// The current family alone has these.
-class MergeProperties : public MergeTest {
-protected:
-    MergeProperties() : MergeTest(Family::current) {}
-
-    static constexpr const char* place = "constant/properties/SHELL/vakblock";
-
-    static void put(hid_t domain, const PropertyTables& p)
-    {
-        const ObjectId group(open_or_create_group(domain, place).group.release(), place);
-        EXPECT_EQ(p.write_into(group), 0);
-    }
-    static PropertyTables table(std::vector<int32_t> ids, int32_t mark)
-    {
-        PropertyTables p;
-        p.nent = static_cast<int32_t>(ids.size());
-        p.nbid = p.nbint = p.nbfloat = p.nbstring = 1;
-        p.entid = std::move(ids);
-        p.idparam.assign(p.entid.size(), mark);
-        p.iparam.assign(p.entid.size(), -mark);
-        p.fparam.assign(p.entid.size(), static_cast<float>(mark));
-        p.cparam = std::string(p.entid.size() * 5, 'x');
-        return p;
-    }
-};
-
-TEST_F(MergeProperties, are_joined_by_entity)
-{
-    put(add_domain(), table({8, 6}, 1));
-    put(add_domain(), table({6, 7}, 2));
-    EXPECT_EQ(merge(1 + 4), 0);
-    const std::string path = std::string(place) + "/";
-    EXPECT_EQ(dataset_values<int32_t>(target(), path + "entid"), (std::vector<int32_t>{6, 7, 8}));
-    EXPECT_EQ(dataset_values<int32_t>(target(), path + "idparam"), (std::vector<int32_t>{1, 2, 1}));
-    EXPECT_EQ(dataset_values<int32_t>(target(), path + "iparam"), (std::vector<int32_t>{-1, -2, -1}));
-    EXPECT_EQ(dataset_values<float>(target(), path + "fparam"), (std::vector<float>{1, 2, 1}));
-    EXPECT_EQ(attribute_value<int32_t>(target(), place, "nent"), 3);
-    EXPECT_THAT(printed().out, testing::HasSubstr(" target file: create 1 merged \"properties\" block(s)\n"));
-}
-
-TEST_F(MergeProperties, of_another_form_are_left_out_with_a_warning)
-{
-    put(add_domain(), table({8, 6}, 1));
-    PropertyTables other = table({7, 9}, 2);
-    other.nbint = 0;
-    put(add_domain(), other);
-    EXPECT_EQ(merge(), 0);
-    EXPECT_EQ(dataset_values<int32_t>(target(), std::string(place) + "/entid"), (std::vector<int32_t>{6, 8}));
-    EXPECT_THAT(printed().err,
-                testing::EndsWith("VAK WARNING file [1]: block key 500 \"" + std::string(place) +
-                                  "\" differs in nbint from file [0] and is left out\n"));
-}
 
 }  // namespace

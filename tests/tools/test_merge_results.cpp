@@ -3,66 +3,12 @@
 
 #include "samples/activflags.h"
 #include "samples/elementresults.h"
-#include "samples/entityresults.h"
-#include "support/block_test.h"
-#include "tools/merge_test.h"
+#include "tools/merge_results.h"
 
 using namespace vak;
 using namespace vak::test;
 
 namespace {
-
-class MergeResults : public MergeTest, public testing::WithParamInterface<Family> {
-protected:
-    MergeResults() : MergeTest(GetParam()) {}
-
-    // Entities 1, 2, 3 in the first domain, 3, 4 in the second: 3 lies between them.
-    EntityResults domain(std::vector<int32_t> ids, std::vector<float> values) const
-    {
-        EntityResults r;
-        r.family = family();
-        r.ncoo = 1;
-        r.zone.dmpswitch = 0;
-        r.nent = static_cast<int32_t>(ids.size());
-        r.tables.ids = std::move(ids);
-        r.tables.weight.assign(static_cast<size_t>(r.nent), 1.0F);
-        r.tables.fid.assign(static_cast<size_t>(r.nent), 0);
-        r.res = std::move(values);
-        return r;
-    }
-
-    template <class S>
-    std::vector<float> merged(const S& sample, const std::string& dataset) const
-    {
-        return dataset_values<float>(target(), sample.path() + data() + dataset);
-    }
-    template <class S>
-    std::vector<int32_t> integers(const S& sample, const std::string& dataset) const
-    {
-        return dataset_values<int32_t>(target(), sample.path() + data() + dataset);
-    }
-    std::vector<int32_t> merged_ids(const EntityResults& sample) const { return integers(sample, "entid"); }
-
-    // Shared entities are joined by operators, one for each component.
-    static void by_operators(EntityResults& r, const std::vector<std::string_view>& operators)
-    {
-        r.zone.dmpswitch = 1;
-        r.ncoo = static_cast<int32_t>(operators.size());
-        r.tables.op = fields(operators);
-    }
-    void merge_two(const EntityResults& first, const EntityResults& second)
-    {
-        EXPECT_EQ(first.write(add_domain()), 0);
-        EXPECT_EQ(second.write(add_domain()), 0);
-        EXPECT_EQ(merge(), 0);
-    }
-    // A block of the second file that is kept out.
-    std::string left_out(const EntityResults& r, int32_t key, const std::string& what) const
-    {
-        return "VAK WARNING file [1]: block key " + std::to_string(key) + " \"" + r.path() +
-               "\" differs in " + what + " from file [0] and is left out\n";
-    }
-};
 
 TEST_P(MergeResults, of_an_entity_in_two_domains_the_lowest_file_stands)
 {
@@ -76,128 +22,71 @@ TEST_P(MergeResults, of_an_entity_in_two_domains_the_lowest_file_stands)
     EXPECT_EQ(merged(first, "res"), (std::vector<float>{10, 20, 30, 40}));
 }
 
-TEST_P(MergeResults, operators_join_the_components_of_shared_entities)
+TEST_P(MergeResults, a_frame_for_all_that_is_an_attribute_stays_one)
 {
-    for (const auto& [op, expected] : std::initializer_list<std::pair<const char*, float>>{
-             {"SUM", 60.0F}, {"average", 25.0F}, {"MIN", 20.0F}, {"max", 40.0F}, {"NONE", 20.0F}}) {
-        SCOPED_TRACE(op);
+    EntityResults r = domain({1}, {10});
+    r.zone.fswitch = 0;
+    const hid_t one = add_domain();
+    EXPECT_EQ(r.write(one), 0);
+    const std::string tables = r.path() + (legacy() ? "/data" : "");
+    EXPECT_GE(H5Ldelete(one, (tables + "/fidglob").c_str(), H5P_DEFAULT), 0);
+    {
+        const ObjectId holder = open_object(one, tables);
+        const SpaceId space{H5Screate(H5S_SCALAR), "space"};
+        const AttributeId attribute{
+            H5Acreate2(holder, "fidglob", H5T_STD_I32LE, space, H5P_DEFAULT, H5P_DEFAULT), "fidglob"};
+        const int32_t frame = 77;
+        EXPECT_GE(H5Awrite(attribute, H5T_NATIVE_INT32, &frame), 0);
+    }
+    EXPECT_EQ(merge(), 0) << printed();
+    EntityResults read = r;
+    EXPECT_EQ(read.read(open_object(target(), r.path()), 2), 1000);
+    EXPECT_EQ(read.tables.fidglob, 77);
+}
+
+TEST_P(MergeResults, complex_values_stay_complex_at_every_real_size)
+{
+    for (const int32_t size : {4, 8, 0, -1}) {
         restart();
-        EntityResults first = domain({1, 2}, {10, 20}), second = domain({2, 3}, {40, 50});
-        for (EntityResults* r : {&first, &second}) {
-            r->zone.dmpswitch = 1;
-            r->tables.op = padded(op);
-        }
-        first.tables.weight = {1, 3};
-        second.tables.weight = {1, 1};
-        first.write(add_domain());
-        second.write(add_domain());
-
-        EXPECT_EQ(merge(), 0);
-
-        EXPECT_EQ(merged(first, "res"), (std::vector<float>{10, expected, 50}));
-        EXPECT_EQ(merged(first, "weight"), (std::vector<float>{1, 4, 1}));
+        real_size = size;
+        EntityResults first = domain({1}, {1, 2}), second = domain({2}, {3, 4});
+        first.ivsize = second.ivsize = 16;
+        merge_two(first, second);
+        EXPECT_EQ(attribute_value<int32_t>(target(), first.path() + header(), "block"), 1001);
+        EXPECT_THAT(layout(target(), first.path()),
+                    testing::HasSubstr(size == 8 ? "res float64 [2,1,2]" : "res float32 [2,1,2]"));
     }
 }
 
-TEST_P(MergeResults, each_component_has_its_own_operator)
+TEST_P(MergeResults, of_a_real_size_that_there_is_not_are_refused)
 {
-    EntityResults first = domain({1, 2}, {1, 2, 3, 4, 10, 20, 30, 40});
-    EntityResults second = domain({2, 3}, {100, 200, 300, 400, 5, 6, 7, 8});
-    for (EntityResults* r : {&first, &second}) by_operators(*r, {"SUM", "MIN", "AVERAGE", "KEEP"});
-    merge_two(first, second);
-    EXPECT_EQ(merged(first, "res"), (std::vector<float>{1, 2, 3, 4, 110, 20, 165, 40, 5, 6, 7, 8}));
-    EXPECT_EQ(dataset_texts(target(), first.path() + data() + "operator"),
-              (std::vector<std::string>{padded("SUM"), padded("MIN"), padded("AVERAGE"), padded("KEEP")}));
+    real_size = 5;
+    EXPECT_EQ(domain({1}, {1}).write(add_domain()), 0);
+    const int32_t status = merge();
+    EXPECT_LT(status, 0);
+    EXPECT_THAT(printed().err,
+                testing::EndsWith("\nVAK ERROR writing \"entityresults\" block - error code = " +
+                                  std::to_string(status) + "\n"));
 }
 
-TEST_P(MergeResults, both_parts_of_a_complex_value_follow_the_operator)
+// A block's place tells which one it is, whatever its name looks like.
+TEST_P(MergeResults, with_names_like_numbers_and_commas_stay_apart)
 {
-    EntityResults first = domain({1}, {1, -4, 3, 5}), second = domain({1}, {2, -7, 4, -6});
-    for (EntityResults* r : {&first, &second}) {
-        by_operators(*r, {"MIN", "MAX"});
-        r->ivsize = 16;
+    EntityResults first = domain({1}, {1}), second = domain({2}, {2});
+    first.etypvar = padded("12,2,X");
+    second.etypvar = padded("12");
+    const EntityResults third = [&] {
+        EntityResults r = second;
+        r.etyp = padded("NODE,12");
+        return r;
+    }();
+    for (int i = 0; i < 2; ++i) {
+        const hid_t to = add_domain();
+        for (const EntityResults& r : {first, second, third}) EXPECT_EQ(r.write(to), 0);
     }
-    merge_two(first, second);
-    EXPECT_EQ(merged(first, "res"), (std::vector<float>{1, -7, 4, 5}));
-    EXPECT_EQ(attribute_value<int32_t>(target(), first.path() + header(), "block"), 1001);
-    EXPECT_EQ(dataset_extents(target(), first.path() + data() + "res"), (std::vector<int64_t>{1, 2, 2}));
-}
-
-TEST_P(MergeResults, a_mean_with_weights_that_cancel_is_the_plain_mean)
-{
-    EntityResults first = domain({1}, {10}), second = domain({1}, {20});
-    for (EntityResults* r : {&first, &second}) by_operators(*r, {"AVERAGE"});
-    first.tables.weight = {2};
-    second.tables.weight = {-2};
-    merge_two(first, second);
-    EXPECT_EQ(merged(first, "res"), (std::vector<float>{15}));
-    EXPECT_EQ(merged(first, "weight"), (std::vector<float>{0}));
-}
-
-// The operators join what several domains have; within one, an entity is one.
-TEST_P(MergeResults, an_entity_twice_in_one_file_counts_once_with_its_last_row)
-{
-    for (const auto& [op, expected] : std::initializer_list<std::pair<const char*, float>>{
-             {"SUM", 60.0F}, {"AVERAGE", 25.0F}, {"MIN", 20.0F}, {"MAX", 40.0F}, {"NONE", 20.0F}}) {
-        SCOPED_TRACE(op);
-        restart();
-        EntityResults first = domain({2, 1, 1, 2}, {-9, 90, 10, 20}), second = domain({2, 3}, {40, 50});
-        for (EntityResults* r : {&first, &second}) by_operators(*r, {op});
-        first.tables.weight = {7, 7, 1, 3};
-        second.tables.weight = {1, 1};
-        first.write(add_domain());
-        second.write(add_domain());
-
-        EXPECT_EQ(merge(), 0);
-
-        EXPECT_EQ(merged(first, "res"), (std::vector<float>{10, expected, 50}));
-        EXPECT_EQ(merged(first, "weight"), (std::vector<float>{1, 4, 1}));
-        EXPECT_THAT(printed().err, testing::HasSubstr("lists an entity more than once, merged into one\n"));
-    }
-}
-
-TEST_P(MergeResults, a_missing_weight_counts_one)
-{
-    EntityResults first = domain({1}, {10}), second = domain({1}, {20});
-    for (EntityResults* r : {&first, &second}) by_operators(*r, {"AVERAGE"});
-    first.tables.weight = {3};
-    EXPECT_EQ(first.write(add_domain()), 0);
-    const hid_t other = add_domain();
-    EXPECT_EQ(second.write(other), 0);
-    EXPECT_GE(H5Ldelete(other, (second.path() + data() + "weight").c_str(), H5P_DEFAULT), 0);
-
-    EXPECT_EQ(merge(), 0);
-
-    EXPECT_EQ(merged(first, "res"), (std::vector<float>{12.5F}));
-    EXPECT_EQ(merged(first, "weight"), (std::vector<float>{4}));
-}
-
-TEST_P(MergeResults, a_mean_of_equal_values_is_that_value)
-{
-    EntityResults first = domain({1}, {0.1F}), second = domain({1}, {0.1F});
-    for (EntityResults* r : {&first, &second}) by_operators(*r, {"AVERAGE"});
-    first.tables.weight = {0.3F};
-    second.tables.weight = {0.7F};
-    merge_two(first, second);
-    EXPECT_EQ(merged(first, "res"), (std::vector<float>{0.1F}));
-}
-
-TEST_P(MergeResults, operators_hold_with_a_first_domain_that_has_no_entities)
-{
-    EntityResults none = domain({}, {}), first = domain({1, 2}, {10, 20}), second = domain({2}, {5});
-    for (EntityResults* r : {&none, &first, &second}) by_operators(*r, {"SUM"});
-    EXPECT_EQ(none.write(add_domain()), 0);
-    merge_two(first, second);
-    EXPECT_EQ(merged(first, "res"), (std::vector<float>{10, 25}));
-    EXPECT_EQ(merged(first, "weight"), (std::vector<float>{1, 2}));
-}
-
-TEST_P(MergeResults, without_dmpswitch_operators_do_not_matter)
-{
-    EntityResults first = domain({1}, {10}), second = domain({1}, {20});
-    merge_two(first, second);
-    EXPECT_EQ(merged(first, "res"), (std::vector<float>{10}));
-    EXPECT_FALSE(exists(target(), first.path() + data() + "operator"));
+    EXPECT_EQ(merge(1 + 4), 0);
+    EXPECT_THAT(printed().out, testing::HasSubstr("create 3 merged \"entityresults\" block(s)\n"));
+    for (const EntityResults& r : {first, second, third}) EXPECT_EQ(merged(r, "res"), r.res);
 }
 
 TEST_P(MergeResults, frames_follow_their_entities)

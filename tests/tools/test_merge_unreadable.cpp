@@ -1,6 +1,19 @@
 // What is in a domain file and cannot be read ends the merge: a target without it would look complete.
 #include <gtest/gtest.h>
 
+#include "samples/activflags.h"
+#include "samples/attributes.h"
+#include "samples/collector.h"
+#include "samples/connectivities.h"
+#include "samples/densematrix.h"
+#include "samples/elementresults.h"
+#include "samples/indices.h"
+#include "samples/multiactivflags.h"
+#include "samples/multielementresults.h"
+#include "samples/multientityresults.h"
+#include "samples/parts.h"
+#include "samples/properties.h"
+#include "samples/text.h"
 #include "tools/merge_failures.h"
 
 using namespace vak;
@@ -8,7 +21,86 @@ using namespace vak::test;
 
 namespace {
 
-class MergeUnreadable : public MergeFailures {};
+// The element results writer leaves its group open.
+template <class S>
+void write_closed(const S& sample, hid_t file)
+{
+    EXPECT_GE(sample.write(file), 0);
+    hid_t group = H5I_INVALID_HID;
+    if (H5Fget_obj_ids(file, H5F_OBJ_GROUP, 1, &group) == 1) H5Gclose(group);
+}
+
+struct Properties : PropertyTables {
+    static std::string path() { return "properties/SHELL/vakblock"; }
+    int32_t write(hid_t file) const { return write_into(open_or_create_group(file, path()).group.get()); }
+};
+
+std::vector<std::string> links_of(hid_t file, const std::string& group)
+{
+    const ObjectId holder = open_object(file, group);
+    H5G_info_t info;
+    H5Gget_info(holder, &info);
+    std::vector<std::string> names(info.nlinks);
+    for (hsize_t i = 0; i < info.nlinks; ++i) {
+        char name[256];
+        H5Lget_name_by_idx(holder, ".", H5_INDEX_NAME, H5_ITER_INC, i, name, sizeof name, H5P_DEFAULT);
+        names[i] = name;
+    }
+    return names;
+}
+
+class MergeUnreadable : public MergeFailures {
+protected:
+    // Every array of a block, behind its path.
+    std::vector<std::string> arrays_of(hid_t domain, const std::string& block) const
+    {
+        if (!legacy()) return links_of(domain, block);
+        std::vector<std::string> all;
+        for (const std::string& section : links_of(domain, block))
+            for (const std::string& name : links_of(domain, block + "/" + section))
+                all.push_back(section + "/" + name);
+        return all;
+    }
+
+    // The merge of one file whose block lacks an array, each in turn. One that readers do without is none.
+    template <class S>
+    void lack_each_array(const S& sample)
+    {
+        restart();
+        write_closed(sample, add_domain());
+        const hid_t whole = create_domain();
+        write_closed(sample, whole);
+        int lacking = 0;
+        for (const std::string& array : arrays_of(whole, sample.path())) {
+            SCOPED_TRACE(std::string(S::type) + " without " + array);
+            restart();
+            const hid_t domain = add_domain();
+            write_closed(sample, domain);
+            remove(domain, sample.path() + "/" + array);
+            if (array.ends_with("fidglob") || array.ends_with("weight")) {
+                EXPECT_EQ(merge(), 0) << printed();
+                continue;
+            }
+            expect_failure(reading(S::type), -6002);
+            ++lacking;
+        }
+        EXPECT_GT(lacking, 2);
+        H5Fclose(whole);
+    }
+    template <class S>
+    void lack_each_array()
+    {
+        lack_each_array(sample_of<S>(family()));
+    }
+
+    void damage_chunk(hid_t domain, const std::string& path) const
+    {
+        const ObjectId dataset = open_object(domain, path);
+        const hsize_t corner[] = {0, 0, 0, 0};
+        const std::string garbage(40, '#');
+        EXPECT_GE(H5Dwrite_chunk(dataset, H5P_DEFAULT, 0, corner, garbage.size(), garbage.data()), 0);
+    }
+};
 
 // What the catalogue lists nothing of would be missing in the target.
 TEST_P(MergeUnreadable, key_of_a_block_is_told_with_its_path)
@@ -36,6 +128,118 @@ TEST_P(MergeUnreadable, is_not_what_a_group_without_a_key_is)
     EXPECT_GE(H5Adelete_by_name(domain, (r.path() + header()).c_str(), "block", H5P_DEFAULT), 0);
     EXPECT_EQ(merge(), 0);
     EXPECT_FALSE(exists(target(), r.path()));
+}
+
+// Also in the only file that has the block: its own reader would not read it.
+TEST_P(MergeUnreadable, is_a_block_that_lacks_an_array)
+{
+    lack_each_array<EntityResults>();
+    lack_each_array<ElementResults>();
+    lack_each_array(MultiEntityResults::of_states(family(), 2));
+    lack_each_array<MultiElementResults>();
+    lack_each_array<ActivFlags>();
+    lack_each_array<MultiActivFlags>();
+    lack_each_array<Connectivities>();
+    lack_each_array<Parts>();
+    lack_each_array<Attributes>();
+    lack_each_array<Collector>();
+    if (legacy()) return;
+    lack_each_array<Identifiers>();
+    lack_each_array<Properties>();
+}
+
+TEST_P(MergeUnreadable, is_a_result_with_a_frame_switch_that_there_is_not)
+{
+    const EntityResults entities = results();
+    const auto elements = sample_of<ElementResults>(family());
+    for (const int32_t fswitch : {-1, 2, 3}) {
+        restart();
+        set_attribute(add(entities), entities.path(), "fswitch", fswitch);
+        expect_failure(reading("entityresults", 1), -123);
+        EXPECT_FALSE(exists(target(), entities.path()));
+    }
+    restart();
+    const hid_t domain = add_domain();
+    write_closed(elements, domain);
+    set_attribute(domain, elements.path(), "fswitch", 3);
+    expect_failure(reading("elementresults", 1), -123);
+}
+
+// HDF5 copies such chunks without a look at them.
+TEST_P(MergeUnreadable, are_damaged_chunks_of_blocks_that_are_copied)
+{
+    auto matrix = sample_of<DenseMatrix>(family());
+    matrix.nrow = 8;
+    matrix.val = some_values(24);
+    matrix.flags = 2;
+    matrix.params[1] = 6;
+    damage_chunk(add(matrix), matrix.path() + data() + "val");
+    expect_failure(reading("densematrix"), -6999);
+    EXPECT_FALSE(exists(target(), matrix.path()));
+
+    restart();
+    auto text = sample_of<Text>(family());
+    text.nlines = 20;
+    text.line = std::string(static_cast<size_t>(20 * text.length), 'x');
+    text.flags = 4;
+    text.params[1] = 6;
+    damage_chunk(add(text), text.path() + data() + "line");
+    expect_failure(reading("text"), -6999);
+    EXPECT_FALSE(exists(target(), text.path()));
+}
+
+TEST_P(MergeUnreadable, is_not_a_copied_block_with_filters)
+{
+    auto matrix = sample_of<DenseMatrix>(family());
+    matrix.nrow = 8;
+    matrix.val = some_values(24);
+    matrix.flags = 2 + 16 + 128;
+    matrix.params[0] = 2;
+    matrix.params[1] = 6;
+    add(matrix);
+    add(matrix);
+    EXPECT_EQ(merge(), 0) << printed();
+    EXPECT_EQ(dataset_values<float>(target(), matrix.path() + data() + "val").size(), 24U);
+    EXPECT_THAT(printed().err, testing::Not(testing::HasSubstr("left out")));
+}
+
+TEST_P(MergeUnreadable, are_more_index_values_than_can_be_merged_in_any_block_of_any_file)
+{
+    const std::string line = "\nVAK ERROR - nindex too large = 6. Increase " +
+                             std::string(legacy() ? "MAXINDEX1" : "MAXINDEX") + ": 5\n";
+    const auto expect_refusal = [&](const auto& block) {
+        restart();
+        add(results());
+        set_attribute(add(block), block.path(), "nindex", 6);
+        EXPECT_EQ(merge(), 1) << printed();
+        EXPECT_THAT(printed().err, testing::EndsWith(line));
+    };
+    expect_refusal(sample_of<Indices>(family()));
+    expect_refusal(sample_of<DenseMatrix>(family()));
+    expect_refusal(sample_of<Collector>(family()));
+    expect_refusal(sample_of<Parts>(family()));
+    expect_refusal(results());
+    if (!legacy()) expect_refusal(sample_of<Text>(family()));
+}
+
+TEST_P(MergeUnreadable, matrix_that_differs_is_bounded_as_well)
+{
+    const auto matrix = sample_of<DenseMatrix>(family());
+    add(matrix);
+    set_attribute(add(matrix), matrix.path(), "nindex", 6);
+    EXPECT_EQ(merge(), 1);
+}
+
+TEST_P(MergeUnreadable, is_no_end_where_groups_go_round_in_a_circle)
+{
+    const auto matrix = sample_of<DenseMatrix>(family());
+    for (int i = 0; i < 2; ++i) {
+        const ObjectId block = open_object(add(matrix), matrix.path() + (legacy() ? "/data" : ""));
+        EXPECT_GE(H5Lcreate_hard(block, ".", block, "again", H5P_DEFAULT, H5P_DEFAULT), 0);
+    }
+    EXPECT_EQ(merge(), 0);
+    EXPECT_THAT(printed().err, testing::HasSubstr("differs in its contents"));
+    EXPECT_EQ(dataset_values<float>(target(), matrix.path() + data() + "val"), matrix.val);
 }
 
 INSTANTIATE_TEST_SUITE_P(, MergeUnreadable, both_families, family_name);
