@@ -56,6 +56,9 @@ int64_t dataset(Block& io, const Field& f, Shape shape, Transfer part)
 
 size_t stored_real_size(const Block& io) { return io.storage.real_size; }
 
+// 64 MiB, as for attributes.
+constexpr int64_t most_counts_of_our_own = int64_t{16} << 20;
+
 uint32_t exact(uint32_t flags) { return flags & ~scale_offset_reals; }
 
 std::vector<hsize_t> extents_of(const int64_t* values, size_t n)
@@ -172,7 +175,11 @@ Counts counts(Block& io, const char* name, Arg<int32_t> values, Shape shape)
     int64_t n = 1;
     for (int32_t i = 0; i < shape.rank(); ++i) n *= static_cast<int64_t>(shape.extents()[i]);
     if (values.at != nullptr) return {values.at, n};
-    // The stored extents have just been found equal to n, so n is no larger than the file says.
+    // The stored extents have just been found equal to n, but a file may claim any extent and store nothing.
+    if (n > most_counts_of_our_own) {
+        stop(io, refuse_reading(name, integer_type, sizeof(int32_t)));
+        return {nullptr, 0};
+    }
     std::vector<int32_t> own(static_cast<size_t>(n));
     integers(io, name, own.data(), shape);
     return own;

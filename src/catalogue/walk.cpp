@@ -152,8 +152,9 @@ Group open_target(const Walk& walk, hid_t holder, const H5O_token_t& target)
 
 // What another link leads to, by the path that ends in it. HDF5 does not know the names of groups that were
 // opened as targets, and would search the whole file for them at an external link; so the path begins above.
-Group open_path(const Walk& walk, const Level& named)
+Group open_path(Walk& walk, const Level& named)
 {
+    if (!walk.guarded.valid()) walk.incomplete = true;
     const size_t begin = named.path_length == 0 ? 0 : named.path_length + 1;
     return Group(H5Gopen2(named.group.get(), walk.path.c_str() + begin, walk.guarded.get()));
 }

@@ -6,6 +6,7 @@
 
 #include "frame/exported.h"
 #include "frame/file_probe.h"
+#include "frame/guarded_links.h"
 #include "frame/metadata_cache.h"
 #include "frame/paths.h"
 #include "frame/version.h"
@@ -192,7 +193,9 @@ bool hand_over_root(Opening& o, hid_t* group_id)
         std::printf("VAK INFO - file \"%s\" opened.\n", o.name.c_str());
         std::printf("VAK INFO - opening group \"%s\"\n", o.root.c_str());
     }
-    Group root(H5Gopen2(o.file.get(), o.root.c_str(), H5P_DEFAULT));
+    // The root may stand behind an external link, and that lead to a FIFO.
+    const Properties access = guarded_links(LinkedFile::as_the_file_with_the_link);
+    Group root(H5Gopen2(o.file.get(), o.root.c_str(), access.get()));
     if (!root.valid()) {
         std::fprintf(stderr, " VAK ERROR - vak_open - file %s - Cannot open group \"%s\".\n", o.name.c_str(),
                      o.root.c_str());

@@ -17,10 +17,13 @@ Group open(hid_t location, const std::string& path, hid_t access = H5P_DEFAULT)
     return Group(H5Gopen2(location, path.c_str(), access));
 }
 
-Group create(hid_t location, const std::string& path, hid_t link_creation = H5P_DEFAULT)
+Group create(hid_t location, const std::string& path, hid_t link_creation, hid_t access)
 {
-    return Group(H5Gcreate2(location, path.c_str(), link_creation, H5P_DEFAULT, H5P_DEFAULT));
+    return Group(H5Gcreate2(location, path.c_str(), link_creation, H5P_DEFAULT, access));
 }
+
+// In a file that is open to read, HDF5 would wait for a writer of a FIFO that an external link leads to.
+Properties guarded() { return guarded_links(LinkedFile::as_the_file_with_the_link); }
 
 // A path of which HDF5 cannot tell (a dataset on the way, a link that leads nowhere) is not there.
 bool exists(hid_t location, const std::string& path, hid_t access = H5P_DEFAULT)
@@ -29,7 +32,7 @@ bool exists(hid_t location, const std::string& path, hid_t access = H5P_DEFAULT)
 }
 
 // Creates the levels of the path that are missing; their number, or -8.
-int32_t create_missing(hid_t location, const std::string& path)
+int32_t create_missing(hid_t location, const std::string& path, hid_t access)
 {
     if (location < 0) return 0;  // the opening fails
     if (!hold_metadata_back(location)) return -8;
@@ -37,8 +40,8 @@ int32_t create_missing(hid_t location, const std::string& path)
     for (size_t end = 0; end < path.size();) {
         end = std::min(path.find('/', end + 1), path.size());
         const std::string level = path.substr(0, end);
-        if (exists(location, level)) continue;
-        if (!create(location, level).valid()) return -8;
+        if (exists(location, level, access)) continue;
+        if (!create(location, level, H5P_DEFAULT, access).valid()) return -8;
         ++created;
     }
     return created;
@@ -58,21 +61,21 @@ int32_t fail_quoted(int32_t code, const std::string& path)
 
 int32_t open_creating(hid_t location, const std::string& path, Group& group)
 {
-    const int32_t created = create_missing(location, path);
+    const Properties access = guarded();
+    const int32_t created = create_missing(location, path, access.get());
     if (created < 0) return fail_unquoted(created, path);
-    group = open(location, path);
+    group = open(location, path, access.get());
     return group.valid() ? created : fail_unquoted(-10, path);
 }
 
 // Opening alone tells whether the path is there. Only a failure needs the question why.
-// In a file that is open to read, HDF5 would wait for a writer of a FIFO that an external link leads to.
 int32_t open_present(hid_t location, const std::string& path, Group& group,
                      int32_t (*fail)(int32_t, const std::string&))
 {
-    const Properties guarded = guarded_links(LinkedFile::as_the_file_with_the_link);
-    group = open(location, path, guarded.get());
+    const Properties access = guarded();
+    group = open(location, path, access.get());
     if (group.valid()) return 0;
-    return exists(location, path, guarded.get()) ? fail(-20, path) : -1;
+    return !access.valid() || exists(location, path, access.get()) ? fail(-20, path) : -1;
 }
 
 int32_t open_by_flag(hid_t location, const std::string& path, int32_t ioflag, Group& group)
@@ -107,7 +110,7 @@ Group create_with_parents(hid_t location, const std::string& path)
 {
     const Properties parents(H5Pcreate(H5P_LINK_CREATE));
     if (H5Pset_create_intermediate_group(parents.get(), 1) < 0) return Group();
-    return create(location, path, parents.get());
+    return create(location, path, parents.get(), H5P_DEFAULT);
 }
 
 }  // namespace

@@ -167,6 +167,11 @@ int32_t read_opened(DatasetRead& r, Source& source)
 
 }  // namespace
 
+int32_t refuse_reading(const char* name, int32_t type, size_t data_size)
+{
+    return fail({name, nullptr, type, data_size, {}, nullptr, nullptr}, 999, -1);
+}
+
 int32_t VAK_H5Dread(const char* name, void* data, int32_t type, size_t data_size, const hsize_t* dims,
                     int32_t rank, const hsize_t* count, const hsize_t* start, int32_t mode,
                     const Location& location, uint32_t* flags, int32_t* params)

@@ -82,6 +82,9 @@ int32_t VAK_H5Dread(const char* name, void* data, int32_t type, size_t data_size
                     int32_t rank, const hsize_t* count, const hsize_t* start, int32_t mode,
                     const Location& location, uint32_t* flags, int32_t* params);
 
+// A dataset that a caller of VAK_H5Dread cannot take: its line (999) and code.
+int32_t refuse_reading(const char* name, int32_t type, size_t data_size);
+
 // The process-wide chunk extent along unlimited dimensions, as last set; values below 1 count as 1.
 int32_t chunk_size();
 void set_chunk_size(int32_t size);

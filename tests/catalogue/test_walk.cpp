@@ -2,6 +2,12 @@
 #include "catalogue/walk.h"
 
 #include "catalogue/catalogue_test.h"
+#include "frame/exported.h"
+#include "storage/refusal.h"
+
+// clang-format off
+MAY_REFUSE(herr_t, H5Pset_elink_cb, (hid_t l, H5L_elink_traverse_t f, void* d), (l, f, d))
+// clang-format on
 
 namespace vak::test {
 
@@ -25,6 +31,19 @@ TEST_P(BlockWalk, lists_keys_and_paths)
     EXPECT_EQ(listing.blocks[1].path, block("b/c"));
     EXPECT_EQ(listing.blocks[2].key, 1);
     EXPECT_EQ(listing.blocks[2].path, "vakheader");
+}
+
+TEST_P(BlockWalk, without_the_guard_of_links_into_other_files_follows_none_and_is_incomplete)
+{
+    const QuietHdf5 quiet;
+    make("a", 10);
+    refused = "H5Pset_elink_cb";
+    EXPECT_EQ(list_blocks(family(), file).status, 0);
+    link_soft("/a", file, "soft");
+    const Listing listing = list_blocks(family(), file);
+    refused.clear();
+    EXPECT_EQ(listing.status, 1);
+    EXPECT_EQ(listing.blocks.size(), 1U);
 }
 
 TEST_P(BlockWalk, tells_a_bad_identifier)

@@ -1,4 +1,6 @@
 // VAK_H5GOPEN and VAK_H5GCLOSE: the three ways of opening a group, every status and every line.
+#include <sys/stat.h>
+
 #include "frame/exported.h"
 #include "frame/frame_test.h"
 #include "frame/paths.h"
@@ -161,6 +163,27 @@ TEST_P(GroupByPath, file_opened_to_read_takes_no_new_group)
     const FileId read_only = read_file(made_file("run.h5"));
     expect(gopen(read_only, "post/new", -1, 0), -8, "VAK ERROR - vak_h5gopen - code -8, group post/new\n");
     expect(gopen(read_only, "post/inside", -1, 0), 0);
+}
+
+TEST_P(GroupByPath, no_ioflag_waits_at_a_fifo_that_a_link_leads_to)
+{
+    ASSERT_EQ(mkfifo(path("fifo").c_str(), 0600), 0);
+    const std::string name = made_file("run.h5");
+    ASSERT_GE(H5Lcreate_external("fifo", "/", FileId(edit_file(name)), "link", H5P_DEFAULT, H5P_DEFAULT), 0);
+    const FileId to_read = read_file(name);
+    expect(gopen(to_read, "link", -1, 0), -10, "VAK ERROR - vak_h5gopen - code -10, group link\n");
+    expect(gopen(to_read, "link/a/b", -1, 0), -8, "VAK ERROR - vak_h5gopen - code -8, group link/a/b\n");
+    expect(gopen(to_read, "link", -1, 1), -20, "VAK ERROR - vak_h5gopen - code -20, group \"link\"\n");
+    expect(gopen(to_read, "link", -1, 2), -20, "VAK ERROR - vak_h5gopen - code -20, group link\n");
+    for (const int32_t ioflag : {1, 2}) expect(gopen(to_read, "link/a", -1, ioflag), -1);
+}
+
+TEST_P(GroupByPath, groups_are_made_behind_a_link_to_another_file)
+{
+    const std::string name = made_file("run.h5");
+    ASSERT_GE(H5Lcreate_external(name.c_str(), "/post", file, "link", H5P_DEFAULT, H5P_DEFAULT), 0);
+    expect(gopen("link/new/below", 0), 2);
+    EXPECT_TRUE(exists(read_file(name), "post/new/below"));
 }
 
 TEST_P(GroupByPath, negative_location_is_minus_10_or_minus_1)

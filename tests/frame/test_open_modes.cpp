@@ -285,6 +285,22 @@ TEST_P(OpenModes, fifo_and_folder_are_refused_without_waiting)
     }
 }
 
+TEST_P(OpenModes, root_behind_a_link_to_a_fifo_is_refused_without_waiting)
+{
+    ASSERT_EQ(mkfifo(path("fifo").c_str(), 0600), 0);
+    const std::string name = path("run.h5");
+    {
+        const FileId made = create_file(name);
+        ASSERT_GE(H5Lcreate_external("fifo", "/", made, "post", H5P_DEFAULT, H5P_DEFAULT), 0);
+    }
+    for (const int32_t mode : {1, 2}) {
+        const Opened o = open(name, mode);
+        EXPECT_EQ(o.ierr, -1);
+        close_left_file(name);
+        EXPECT_EQ(o.output.err, " VAK ERROR - vak_open - file " + name + " - Cannot open group \"post\".\n");
+    }
+}
+
 TEST_P(OpenModes, link_to_a_file_is_followed)
 {
     std::filesystem::create_symlink(made_file("run.h5"), path("link.h5"));

@@ -1,0 +1,57 @@
+// What is told when HDF5 refuses the guard that external links are followed with: nothing is followed without
+// it.
+#include "frame/frame_test.h"
+#include "storage/refusal.h"
+
+// clang-format off
+MAY_REFUSE(herr_t, H5Pset_elink_cb, (hid_t l, H5L_elink_traverse_t f, void* d), (l, f, d))
+// clang-format on
+
+namespace vak::test {
+
+class LinkGuard : public FrameTest {
+protected:
+    void TearDown() override
+    {
+        refused.clear();
+        FrameTest::TearDown();
+    }
+
+    void expect_refused(int32_t ioflag, int32_t code, const std::string& name)
+    {
+        vak_id group = 4711;
+        int32_t ierr = 4711;
+        const int32_t length = -1;
+        const Output output = call([&] { GetParam().h5gopen(&file, "a", &length, &ioflag, &group, &ierr); });
+        EXPECT_EQ(ierr, code);
+        EXPECT_EQ(group, -1);
+        EXPECT_EQ(output, (Output{"", "VAK ERROR - vak_h5gopen - code " + std::to_string(code) + ", group " +
+                                          name + "\n"}));
+    }
+};
+IN_BOTH_FAMILIES(LinkGuard);
+
+TEST_P(LinkGuard, that_cannot_be_set_is_told_by_every_way_of_opening)
+{
+    refused = "H5Pset_elink_cb";
+    expect_refused(0, -8, "a");
+    refused.clear();
+    const ObjectId a(H5Gcreate2(file, "a", H5P_DEFAULT, H5P_DEFAULT, H5P_DEFAULT), "a");
+    refused = "H5Pset_elink_cb";
+    expect_refused(0, -8, "a");
+    expect_refused(1, -20, "\"a\"");
+    expect_refused(2, -20, "a");
+}
+
+TEST_P(LinkGuard, that_cannot_be_set_is_told_by_the_opening_of_a_file)
+{
+    const std::string name = made_file("run.h5");
+    refused = "H5Pset_elink_cb";
+    const Opened o = open(name, 2);
+    EXPECT_EQ(o.ierr, -1);
+    close_left_file(name);
+    EXPECT_EQ(o.output,
+              (Output{"", " VAK ERROR - vak_open - file " + name + " - Cannot open group \"post\".\n"}));
+}
+
+}  // namespace vak::test
