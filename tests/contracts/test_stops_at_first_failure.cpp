@@ -1,11 +1,11 @@
 // Whichever step of a routine fails, its code is the status, no step follows and nothing stays open.
 #include <fstream>
 #include <iterator>
-#include <regex>
 #include <set>
 
 #include "contracts/kinds.h"
 #include "contracts/storage_that_fails.h"
+#include "support/matches.h"
 
 namespace vak::test {
 
@@ -61,12 +61,9 @@ TEST(EveryKind, is_in_the_list)
 {
     std::ifstream file(VAK_HEADER);
     const std::string header(std::istreambuf_iterator<char>(file), {});
-    const std::regex declaration(R"(VAK_API void (VAK1?_(WRITE|READ)_(?!PARAM\()\w+)\()");
-    std::set<std::string> declared, listed;
-    for (std::sregex_iterator match(header.begin(), header.end(), declaration), end; match != end; ++match)
-        declared.insert((*match)[1]);
+    std::set<std::string> listed;
     for (const Kind& kind : kinds()) listed.insert({kind.write.name, kind.read.name});
-    EXPECT_EQ(listed, declared);
+    EXPECT_EQ(listed, matches(header, R"(VAK_API void (VAK1?_(WRITE|READ)_(?!PARAM\()\w+)\()"));
 }
 
 }  // namespace vak::test

@@ -9,11 +9,11 @@
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <regex>
 
 #include "prove/inside.h"
 #include "prove/sweep.h"
 #include "support/faults.h"
+#include "support/matches.h"
 
 namespace vak::test {
 
@@ -172,10 +172,7 @@ TEST(Jobs, call_every_writer_and_tool)
     library.counting = false;
     std::ifstream file(VAK_HEADER);
     const std::string header(std::istreambuf_iterator<char>(file), {});
-    const std::regex declaration(R"(VAK_API void (VAK1?_(WRITE_|ERASE_|MERGE_|CREATE_)\w+)\()");
-    std::set<std::string> declared;
-    for (std::sregex_iterator match(header.begin(), header.end(), declaration), end; match != end; ++match)
-        declared.insert((*match)[1]);
+    const auto declared = matches(header, R"(VAK_API void (VAK1?_(WRITE_|ERASE_|MERGE_|CREATE_)\w+)\()");
     EXPECT_GT(declared.size(), 40U);
     EXPECT_THAT(routines_called(), testing::IsSupersetOf(declared));
 }

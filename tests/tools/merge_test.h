@@ -1,12 +1,12 @@
 // The fixture of the merger's tests: domain files and a target, all made and opened by plain HDF5.
 #pragma once
 
-#include <regex>
 #include <string>
 #include <vector>
 
 #include "samples/sample.h"
 #include "support/library.h"
+#include "support/matches.h"
 #include "vak_sp.h"
 
 namespace vak::test {
@@ -68,8 +68,7 @@ protected:
     // What was printed on standard output, without the time at which the library was built.
     std::string told() const
     {
-        static const std::regex time("(Compiled    : )\\w{3} [ \\d]\\d \\d{4} [:\\d]{8}");
-        return std::regex_replace(printed_.out, time, "$1DATE TIME");
+        return replaced(printed_.out, "(Compiled    : )\\w{3} [ \\d]\\d \\d{4} [:\\d]{8}", "$1DATE TIME");
     }
 
     void TearDown() override

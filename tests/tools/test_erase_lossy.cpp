@@ -70,7 +70,7 @@ protected:
         const std::string form = stored(s);
         EXPECT_EQ(erase({3}), erased());
         EXPECT_EQ(bits(values(only(s, places))), before);
-        EXPECT_EQ(stored(s), std::regex_replace(form, std::regex("unlimited\\(12\\)"), "unlimited(6)"));
+        EXPECT_EQ(stored(s), replaced(form, "unlimited\\(12\\)", "unlimited(6)"));
     }
     // By HDF5 alone.
     std::vector<float> read_plainly(const std::string& path) const
