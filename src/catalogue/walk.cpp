@@ -146,8 +146,9 @@ void found_block(Walk& walk, hid_t group)
 Group open_target(const Walk& walk, hid_t holder, const H5O_token_t& target)
 {
     Object object(H5Oopen_by_token(holder, target));
-    if (!object.valid()) pass_over(walk);
-    return Group(H5Iget_type(object.get()) == H5I_GROUP ? object.release() : H5I_INVALID_HID);
+    const H5I_type_t type = H5Iget_type(object.get());
+    if (type == H5I_BADID) pass_over(walk);
+    return Group(type == H5I_GROUP ? object.release() : H5I_INVALID_HID);
 }
 
 // What another link leads to, by the path that ends in it. HDF5 does not know the names of groups that were

@@ -95,6 +95,7 @@ hid_t stored_type(int32_t type, size_t size, SharedIds& ids)
 FoundType::FoundType(hid_t type) : id(type), type_class(H5Tget_class(type)), size(H5Tget_size(type))
 {
     if (type_class == H5T_STRING && H5Tis_variable_str(type) != 0) type_class = H5T_VLEN;
+    if (size == 0) type_class = H5T_NO_CLASS;
 }
 
 hid_t memory_type_beside(FoundType& found, int32_t type, hid_t number, size_t data_size)

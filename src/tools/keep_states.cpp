@@ -13,113 +13,134 @@ constexpr const char* state_datasets[] = {"indexident", "indexval", "res", "stat
 
 bool has(hid_t group, const char* name) { return H5Lexists(group, name, H5P_DEFAULT) > 0; }
 
-template <class Step>
-int32_t for_each_state_dataset(const ErasableBlock& b, Step step)
-{
-    for (const char* name : state_datasets) {
-        const Group group = group_with(b, name);
-        if (!group.valid()) continue;
-        if (const int32_t status = step(group.get(), name); status != 0) return status;
-    }
-    return 0;
-}
-
-std::string copy_of(const char* name) { return std::string(name) + " states being rewritten"; }
-std::string old_of(const char* name) { return std::string(name) + " states being replaced"; }
-
 bool rename(hid_t group, const std::string& from, const std::string& to)
 {
     return H5Lmove(group, from.c_str(), group, to.c_str(), H5P_DEFAULT, H5P_DEFAULT) >= 0;
 }
 
-// Also what a run that was killed has left behind.
 int32_t remove_link(hid_t group, const std::string& name)
 {
     if (!has(group, name.c_str())) return 0;
     return H5Ldelete(group, name.c_str(), H5P_DEFAULT) >= 0 ? 0 : -1;
 }
 
-int32_t remove_leftovers(hid_t group, const char* name)
+struct StateDataset {
+    Group group;
+    std::string name, copy, old;
+};
+
+std::vector<StateDataset> state_datasets_of(const ErasableBlock& b)
 {
-    const int32_t status = remove_link(group, copy_of(name));
-    return std::min(status, remove_link(group, old_of(name)));
+    std::vector<StateDataset> all;
+    for (const std::string name : state_datasets)
+        if (Group group = group_with(b, name.c_str()); group.valid())
+            all.push_back(
+                {std::move(group), name, name + " states being rewritten", name + " states being replaced"});
+    return all;
 }
 
-int32_t swap_names(hid_t group, const char* name)
+// Also what a run that was killed has left behind.
+int32_t remove_leftovers(const StateDataset& d)
 {
-    if (!rename(group, name, old_of(name))) return -1;
-    if (rename(group, copy_of(name), name)) return 0;
-    rename(group, old_of(name), name);
-    return -1;
+    const int32_t status = remove_link(d.group.get(), d.copy);
+    return std::min(status, remove_link(d.group.get(), d.old));
 }
 
-// Undoes what a failed exchange has done.
-void swap_back(hid_t group, const char* name)
+bool swap_names(const StateDataset& d)
 {
-    if (!has(group, old_of(name).c_str())) return;
-    remove_link(group, name);
-    rename(group, old_of(name), name);
+    return rename(d.group.get(), d.name, d.old) && rename(d.group.get(), d.copy, d.name);
 }
 
-int32_t write_nstate(const ErasableBlock& b, int32_t nstate)
+void swap_back(const StateDataset& d)
 {
-    const Group header = open_in_file(b, b.path);
-    if (H5Aexists(header.get(), "nstate") <= 0) return 0;
+    if (!has(d.group.get(), d.old.c_str())) return;
+    remove_link(d.group.get(), d.name);
+    rename(d.group.get(), d.old, d.name);
+}
+
+int32_t write_nstate(const Group& header, int32_t nstate)
+{
+    const htri_t exists = H5Aexists(header.get(), "nstate");
+    if (exists <= 0) return exists == 0 ? 0 : -1;
     return VAK_H5Awrite("nstate", &nstate, integer_type, 4, 4, nullptr, 0, header.get());
 }
 
+// All datasets of the block or none, for their rows belong together. What is not complete when this ends is
+// undone, which takes no memory: it may have run out.
+class Exchange {
+public:
+    explicit Exchange(const ErasableBlock& b)
+        : header_(open_in_file(b, b.path)), datasets_(state_datasets_of(b))
+    {
+    }
+    Exchange(const Exchange&) = delete;
+    Exchange& operator=(const Exchange&) = delete;
+    ~Exchange()
+    {
+        if (complete_) return;
+        std::ranges::for_each(datasets_, swap_back);
+        for (const StateDataset& d : datasets_) remove_link(d.group.get(), d.copy);
+    }
+
+    int32_t write_copies(const std::vector<hsize_t>& kept) const
+    {
+        for (const StateDataset& d : datasets_) {
+            int32_t status = remove_leftovers(d);
+            if (status == 0) status = copy_kept_states(d.group.get(), d.name.c_str(), d.copy.c_str(), kept);
+            if (status != 0) return status;
+        }
+        return 0;
+    }
+
+    int32_t put_in_place(const std::vector<hsize_t>& kept)
+    {
+        if (!std::ranges::all_of(datasets_, swap_names)) return -1;
+        const int32_t status = write_nstate(header_, static_cast<int32_t>(kept.size()));
+        complete_ = status == 0;
+        return status;
+    }
+
+    int32_t remove_all_leftovers() const
+    {
+        int32_t worst = 0;
+        for (const StateDataset& d : datasets_) worst = std::min(worst, remove_leftovers(d));
+        return worst;
+    }
+
+private:
+    Group header_;
+    std::vector<StateDataset> datasets_;
+    bool complete_ = false;
+};
+
 int32_t flush(const ErasableBlock& b) { return H5Fflush(b.root, H5F_SCOPE_GLOBAL) >= 0 ? 0 : -1; }
 
-int32_t write_copies(const ErasableBlock& b, const std::vector<hsize_t>& kept)
+int32_t exchange_states(const ErasableBlock& b, const std::vector<hsize_t>& kept)
 {
-    return for_each_state_dataset(b, [&](hid_t group, const char* name) {
-        const int32_t status = remove_leftovers(group, name);
-        return status != 0 ? status : copy_kept_states(group, name, copy_of(name).c_str(), kept);
-    });
-}
-
-// All datasets of the block or none: their rows belong together.
-int32_t put_in_place(const ErasableBlock& b)
-{
-    const int32_t status = for_each_state_dataset(b, swap_names);
-    if (status == 0) return 0;
-    for_each_state_dataset(b, [](hid_t group, const char* name) { return swap_back(group, name), 0; });
-    return status;
-}
-
-int32_t remove_all_leftovers(const ErasableBlock& b)
-{
-    int32_t worst = 0;
-    for_each_state_dataset(b, [&](hid_t group, const char* name) {
-        worst = std::min(worst, remove_leftovers(group, name));
-        return 0;
-    });
-    return worst;
+    Exchange exchange(b);
+    int32_t status = exchange.write_copies(kept);
+    if (status == 0) status = flush(b);
+    if (status == 0) status = exchange.put_in_place(kept);
+    return status == 0 ? exchange.remove_all_leftovers() : status;
 }
 
 }  // namespace
 
 int32_t check_states(const ErasableBlock& b, const std::vector<hsize_t>& kept)
 {
-    return for_each_state_dataset(
-        b, [&](hid_t group, const char* name) { return check_kept_states(group, name, kept); });
+    for (const StateDataset& d : state_datasets_of(b))
+        if (const int32_t status = check_kept_states(d.group.get(), d.name.c_str(), kept); status != 0)
+            return status;
+    return 0;
 }
 
 int32_t keep_states(const ErasableBlock& b, const std::vector<hsize_t>& kept)
 {
-    int32_t status = write_copies(b, kept);
-    if (status == 0) status = flush(b);
-    if (status != 0) {
-        remove_all_leftovers(b);
-        return status;
-    }
-    status = put_in_place(b);
-    if (status == 0) status = write_nstate(b, static_cast<int32_t>(kept.size()));
-    const int32_t removed = remove_all_leftovers(b);
+    const int32_t status = exchange_states(b, kept);
     // Before the next block is written: its data must not take space that the file still counts as the old
     // states'.
     const int32_t flushed = flush(b);
-    return status != 0 ? status : std::min(removed, flushed);
+    return status != 0 ? status : flushed;
 }
 
 }  // namespace vak

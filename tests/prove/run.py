@@ -26,7 +26,7 @@ def sweeps(program, job):
             names.append(suite + line.strip())
         elif line.endswith("."):
             suite = line
-    single = re.compile(r"^Jobs\.|told_where|leaves_no" + ("|^KillBetween" if job else ""))
+    single = re.compile(r"^Jobs\.|told_where|leaves_no|leaves_the" + ("|^KillBetween" if job else ""))
     return [name for name in names if not single.search(name)]
 
 

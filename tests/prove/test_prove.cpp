@@ -155,6 +155,18 @@ TEST(AllocationThatFails, leaves_no_array_without_its_values)
     EXPECT_EQ(tally.violations, 0) << tally.examples;
 }
 
+// In the last series that it rewrites, the exchange of its arrays among them.
+TEST(AllocationThatFails, in_the_eraser_leaves_the_series_whole)
+{
+    const Job job = job_of("eraser");
+    Trials trials(job);
+    disk().mend();
+    const long end = trials.whole().report.allocations;
+    Tally tally;
+    for (long point = end - 120; point < end; point += 3) try_allocation(trials, point, tally);
+    EXPECT_EQ(tally.violations, 0) << tally.examples;
+}
+
 TEST(AllocationThatFails, in_a_writer_or_tool_is_told_and_leaks_nothing)
 {
     sweep("allocation", 3, allocations, try_allocation);
