@@ -3,80 +3,15 @@
 #include <vak_sp.h>
 
 #include <algorithm>
+#include <list>
 #include <map>
-#include <set>
-#include <string_view>
 
+#include "merge/expected.h"
 #include "problem.h"
-#include "show/view.h"
-#include "store/call.h"
 
 namespace vak::merge {
 
 namespace {
-
-using store::call;
-using store::Int;
-using Names = std::set<std::string_view>;
-
-// Blocks that differ in one of these are not merged: the lowest domain's stands, as the library has warned.
-const Names agreeing{"ncoo",  "numl", "ndim",    "fswitch",  "dmpswitch", "npele",
-                     "nbint", "nbid", "nbfloat", "nbstring", "nstate"};
-
-bool is_merged_kind(int32_t key)
-{
-    static const std::set<int32_t> keys{100,  200,  250,  300,  400,  500,  1000, 1001,
-                                        1050, 1051, 1100, 1101, 1150, 1151, 2100, 2150};
-    return keys.contains(key);
-}
-
-// What of a block its attributes tell.
-struct Size {
-    int32_t key = 0;
-    int64_t entities = 0;
-    std::vector<std::pair<std::string, int64_t>> shape;
-
-    bool agrees(const Size& other) const { return shape == other.shape; }
-};
-
-Size size_of(const store::File& file, const store::BlockEntry& entry, store::Layout layout)
-{
-    static const Names counts{"nent", "nele", "npart", "ncoll"};
-    Size size{.key = entry.key, .entities = 0, .shape = {{"key", entry.key}}};
-    bool counted = false;
-    const show::BlockView block = show::view(file, entry, {.layout = layout});
-    for (const auto& [name, value] : block.attributes) {
-        const int64_t* number = std::get_if<int64_t>(&value);
-        if (number == nullptr) continue;
-        if (!counted && counts.contains(name)) {
-            size.entities = *number;
-            counted = true;
-        }
-        if (agreeing.contains(name)) size.shape.emplace_back(name, *number);
-    }
-    return size;
-}
-
-// Whether the identifiers of a kind's entities can be read without its values.
-bool tells_identifiers(int32_t key) { return key == 300 || key == 1000 || key == 1001; }
-
-std::vector<int32_t> identifiers(const store::File& file, const store::BlockEntry& entry, int64_t count)
-{
-    const store::Group group(file.root(), entry.path);
-    const std::string doing = "reading " + entry.path;
-    std::vector<int32_t> ids(static_cast<size_t>(std::max<int64_t>(count, 0)));
-    char text[5][256];
-    int32_t n[8], params[2];
-    if (entry.key == 300)
-        call(doing, VAK_READ_CONNECTIVITIES, group.id(), Int{1 + 4}, text[0], text[1], text[2], text[3],
-             text[4], &n[0], &n[1], &n[2], &n[3], &n[4], &n[5], &n[6], nullptr, nullptr, ids.data(), nullptr,
-             nullptr, nullptr, nullptr, &n[7], params);
-    else
-        call(doing, VAK_READ_ENTITYRESULTS2, group.id(), Int{1 + 4}, nullptr, text[0], &n[0], text[1], &n[1],
-             text[2], &n[2], text[3], &n[3], &n[4], &n[5], &n[6], nullptr, nullptr, ids.data(), &n[7],
-             nullptr, nullptr, nullptr, nullptr, Int{4}, params, params, Int{0}, nullptr, nullptr);
-    return ids;
-}
 
 // The domains' blocks that become one, without those that do not agree with the lowest.
 struct Expected {
@@ -85,22 +20,16 @@ struct Expected {
         const store::BlockEntry* entry;
         int64_t entities;
     };
-    Size lowest;
+    show::BlockView lowest;
     std::vector<Part> parts;
-
-    int64_t least() const
-    {
-        int64_t most = 0;
-        for (const Part& part : parts) most = std::max(most, part.entities);
-        return most;
-    }
-    int64_t most() const
-    {
-        int64_t sum = 0;
-        for (const Part& part : parts) sum += part.entities;
-        return sum;
-    }
 };
+
+// Which entities blocks of the same kind and sizes have in common; the last few are kept.
+struct Union {
+    std::vector<int64_t> sizes;
+    Ids entities;
+};
+constexpr size_t kept_unions = 8;
 
 [[noreturn]] void refuse(const std::string& block, const std::string& what)
 {
@@ -108,91 +37,207 @@ struct Expected {
                        ". Nothing was kept; is the disk full or failing?");
 }
 
+std::vector<std::string> compared_arrays(int32_t key)
+{
+    if (key == 400) return {"idcoll", "etyp", "nent", "entid"};
+    if (fate_of(key) == Fate::joined) return {identifiers_of(key)};
+    return {};
+}
+
 class Check {
 public:
-    Check(const std::deque<store::File>& domains, const std::vector<store::Catalogue>& catalogues)
-        : domains_(domains), catalogues_(catalogues)
+    explicit Check(const Domains& domains) : domains_(domains)
     {
-        for (size_t i = 0; i < domains_.size(); ++i)
-            for (const store::BlockEntry& entry : catalogues_[i].blocks) expect(i, entry);
+        for (size_t i = 0; i < domains_.files.size(); ++i)
+            for (const store::BlockEntry& entry : domains_.catalogues[i].blocks) expect(i, entry);
     }
 
     void compare(const store::File& merged)
     {
-        std::map<std::string, store::BlockEntry> found;
-        for (const store::BlockEntry& entry : store::catalogue(merged, layout()).blocks)
-            found[entry.path] = entry;
-        for (const auto& [path, expected] : expected_) {
-            const auto at = found.find(path);
-            if (at == found.end()) refuse(path, "is missing");
-            if (is_merged_kind(at->second.key))
-                compare_count(path, expected, size_of(merged, at->second, layout()).entities);
+        for (const store::BlockEntry& entry : store::catalogue(merged, domains_.layout()).blocks)
+            found_[entry.path] = entry;
+        for (const auto& [path, expected] : expected_)
+            compare_block(expected, read(merged, entry_at(path), path));
+    }
+
+    void compare_domain_numbers(const store::File& merged)
+    {
+        for (const char* const path :
+             {"constant/variable/DMPComputeDomainNumber/vakblock", "constant/variablegroup/Domain/vakblock"})
+            read(merged, entry_at(path), path);
+        for (auto& [etyp, elements] : elements_) {
+            const std::string path = "constant/entityresults/" + etyp + (etyp.empty() ? "" : "/") +
+                                     "DMPComputeDomainNumber/vakblock";
+            if (expected_.contains(path)) continue;  // a domain has brought them along
+            sort_out(elements);
+            const show::BlockView block = read(merged, entry_at(path), path);
+            expect_entities(path, block, elements);
         }
     }
 
 private:
-    store::Layout layout() const { return catalogues_.front().layout; }
-
     void expect(size_t domain, const store::BlockEntry& entry)
     {
-        if (!is_merged_kind(entry.key)) {
-            expected_.try_emplace(entry.path);
-            return;
-        }
-        const Size size = size_of(domains_[domain], entry, layout());
-        Expected& all =
-            expected_.try_emplace(entry.path, Expected{.lowest = size, .parts = {}}).first->second;
-        if (size.agrees(all.lowest)) all.parts.push_back({domain, &entry, size.entities});
+        if (fate_of(entry.key) == Fate::unknown) return;
+        const auto at = expected_.find(entry.path);
+        if (at != expected_.end() && fate_of(entry.key) != Fate::joined) return;
+        const show::BlockView block =
+            show::view(domains_.files[domain], entry, {.layout = domains_.layout()});
+        Expected& all = at != expected_.end()
+                            ? at->second
+                            : expected_.emplace(entry.path, Expected{block, {}}).first->second;
+        if (shape_of(block) == shape_of(all.lowest))
+            all.parts.push_back({domain, &entry, entities_of(block)});
     }
 
-    // As a rule the blocks of a run list the same entities, and the entities that domains have in common are
-    // counted once for blocks of the same sizes. Where that does not give the count, they are counted anew.
-    void compare_count(const std::string& path, const Expected& expected, int64_t count)
+    const store::BlockEntry& entry_at(const std::string& path) const
     {
-        if (count < expected.least() || count > expected.most())
-            refuse_count(path, count,
-                         std::to_string(expected.least()) + " to " + std::to_string(expected.most()));
-        if (!tells_identifiers(expected.lowest.key) || layout() != store::Layout::current) return;
-        std::vector<int64_t> sizes{expected.lowest.key};
+        const auto at = found_.find(path);
+        if (at == found_.end()) refuse(path, "is missing");
+        return at->second;
+    }
+
+    // All that its reader wants must be there; the values are not read.
+    show::BlockView read(const store::File& merged, const store::BlockEntry& entry,
+                         const std::string& path) const
+    {
+        try {
+            return read_part(merged, entry);
+        } catch (const cli::Problem& problem) {
+            refuse(path, std::string("cannot be read (") + problem.what() + ")");
+        }
+    }
+    show::BlockView read_part(const store::File& file, const store::BlockEntry& entry) const
+    {
+        return show::view(file, entry,
+                          {.layout = domains_.layout(),
+                           .values = true,
+                           .all_values = true,
+                           .only = compared_arrays(entry.key)});
+    }
+
+    void compare_block(const Expected& expected, const show::BlockView& merged)
+    {
+        const std::string& path = expected.lowest.entry.path;
+        const Fate fate = fate_of(expected.lowest.entry.key);
+        if (fate == Fate::copied && !has_attributes_of(expected.lowest, merged))
+            refuse(path, "has other attributes than the domain's");
+        if (fate != Fate::joined) return;
+        if (shape_of(merged) != shape_of(expected.lowest)) refuse(path, "has another form than the domain's");
+        if (merged.entry.key == 400) return compare_members(expected, merged);
+        if (has_no_state(merged)) return compare_count(expected, merged);
+        compare_entities(expected, merged);
+        if (merged.entry.key == 300) add_elements(merged);
+    }
+
+    // As a rule the blocks of a run list the same entities; those of blocks of the same sizes are only found
+    // anew where they are not those of the block before.
+    void compare_entities(const Expected& expected, const show::BlockView& merged)
+    {
+        std::vector<int64_t> sizes{expected.lowest.entry.key};
         for (const Expected::Part& part : expected.parts) {
             sizes.push_back(static_cast<int64_t>(part.domain));
             sizes.push_back(part.entities);
         }
-        const auto known = unions_.find(sizes);
-        if (known != unions_.end() && known->second == count) return;
-        const int64_t all = unions_[sizes] = entities_in(expected);
-        if (all != count) refuse_count(path, count, std::to_string(all));
+        const Ids& ids = values_of<int32_t>(merged, identifiers_of(merged.entry.key));
+        const auto known = std::find_if(unions_.begin(), unions_.end(), [&](const Union& u) {
+            return u.sizes == sizes && u.entities == ids;
+        });
+        if (known == unions_.end()) {
+            unions_.push_front({std::move(sizes), entities_in(expected)});
+            if (unions_.size() > kept_unions) unions_.pop_back();
+        } else {
+            unions_.splice(unions_.begin(), unions_, known);
+        }
+        expect_entities(merged.entry.path, merged, unions_.front().entities);
     }
 
-    [[noreturn]] static void refuse_count(const std::string& path, int64_t count, const std::string& wanted)
+    static void expect_entities(const std::string& path, const show::BlockView& block, const Ids& wanted)
     {
-        refuse(path, "has " + std::to_string(count) + " entities instead of " + wanted);
+        const int64_t count = entities_of(block);
+        if (count != static_cast<int64_t>(wanted.size()))
+            refuse(path,
+                   "has " + std::to_string(count) + " entities instead of " + std::to_string(wanted.size()));
+        if (values_of<int32_t>(block, identifiers_of(block.entry.key)) != wanted)
+            refuse(path, "has other entities than the domains");
     }
 
-    int64_t entities_in(const Expected& expected) const
+    // What is known only of arrays that were read comes on top.
+    static bool has_attributes_of(const show::BlockView& lowest, const show::BlockView& merged)
     {
-        std::vector<int32_t> all;
+        return std::all_of(lowest.attributes.begin(), lowest.attributes.end(), [&](const auto& attribute) {
+            return std::find(merged.attributes.begin(), merged.attributes.end(), attribute) !=
+                   merged.attributes.end();
+        });
+    }
+
+    // Its readers tell nothing of it but the counts.
+    static bool has_no_state(const show::BlockView& block)
+    {
+        return std::find(block.attributes.begin(), block.attributes.end(),
+                         std::pair<std::string, show::AttributeValue>("nstate", int64_t{0})) !=
+               block.attributes.end();
+    }
+    static void compare_count(const Expected& expected, const show::BlockView& merged)
+    {
+        int64_t least = 0, most = 0;
         for (const Expected::Part& part : expected.parts) {
-            const auto ids = identifiers(domains_[part.domain], *part.entry, part.entities);
+            least = std::max(least, part.entities);
+            most += part.entities;
+        }
+        const int64_t count = entities_of(merged);
+        if (count < least || count > most)
+            refuse(merged.entry.path, "has " + std::to_string(count) + " entities instead of " +
+                                          std::to_string(least) + " to " + std::to_string(most));
+    }
+
+    void compare_members(const Expected& expected, const show::BlockView& merged) const
+    {
+        Members wanted;
+        for (const Expected::Part& part : expected.parts)
+            wanted.merge(members_of(read_part(domains_.files[part.domain], *part.entry)));
+        if (members_of(merged) != wanted) refuse(merged.entry.path, "has other entities than the domains");
+    }
+
+    void add_elements(const show::BlockView& merged)
+    {
+        const Ids ids = values_of<int32_t>(merged, "idele");
+        Ids& elements = elements_[text_of(merged, "etyp")];
+        elements.insert(elements.end(), ids.begin(), ids.end());
+    }
+
+    Ids entities_in(const Expected& expected) const
+    {
+        Ids all;
+        for (const Expected::Part& part : expected.parts) {
+            const auto block = read_part(domains_.files[part.domain], *part.entry);
+            const Ids ids = values_of<int32_t>(block, identifiers_of(part.entry->key));
             all.insert(all.end(), ids.begin(), ids.end());
         }
-        std::sort(all.begin(), all.end());
-        return std::unique(all.begin(), all.end()) - all.begin();
+        sort_out(all);
+        return all;
+    }
+    static void sort_out(Ids& ids)
+    {
+        std::sort(ids.begin(), ids.end());
+        ids.erase(std::unique(ids.begin(), ids.end()), ids.end());
     }
 
-    const std::deque<store::File>& domains_;
-    const std::vector<store::Catalogue>& catalogues_;
+    const Domains& domains_;
     std::map<std::string, Expected> expected_;
-    std::map<std::vector<int64_t>, int64_t> unions_;  // by kind, and number and size of each domain's block
+    std::map<std::string, store::BlockEntry> found_;
+    std::map<std::string, Ids> elements_;  // by entity type
+    std::list<Union> unions_;              // the last used first
 };
 
 }  // namespace
 
-void check_merged(const std::deque<store::File>& domains, const std::vector<store::Catalogue>& catalogues,
-                  const std::string& file)
+void check_merged(const Domains& domains, const std::string& file, bool domain_numbers)
 {
-    Check check(domains, catalogues);
-    check.compare(store::File::open(file));
+    const store::File merged = store::File::open(file);
+    Check check(domains);
+    check.compare(merged);
+    if (domain_numbers) check.compare_domain_numbers(merged);
 }
 
 }  // namespace vak::merge

@@ -36,13 +36,6 @@ int64_t bytes_of(const std::string& file)
     return unknown ? 0 : static_cast<int64_t>(size);
 }
 
-// The open files with what they hold.
-struct Domains {
-    std::deque<store::File> files;
-    std::vector<vak_id> roots;
-    std::vector<store::Catalogue> catalogues;
-};
-
 Domains open_all(const std::vector<Source>& sources)
 {
     Domains domains;
@@ -64,7 +57,7 @@ void merge_open(const Domains& domains, const store::File& target, const Setting
 {
     const Exponents& e = settings.exponents;
     const auto n = static_cast<int32_t>(domains.roots.size());
-    const bool current = domains.catalogues.front().layout == store::Layout::current;
+    const bool current = domains.layout() == store::Layout::current;
     int32_t status = 0;
     (current ? VAK_MERGE_DMP : VAK1_MERGE_DMP)(domains.roots.data(), target.root(), &n, no_flags,
                                                no_parameters, &e.count, e.names.data(), e.values.data(),
@@ -107,7 +100,9 @@ void merge_files(const std::vector<Source>& sources, const std::string& file, co
             shift_domain_numbers(target, domains.catalogues, sources.front().first_domain);
         target.close();
     }
-    check_merged(domains.files, domains.catalogues, file);
+    const bool numbered =
+        settings.domain_numbers && sources.size() > 1 && domains.layout() == store::Layout::current;
+    check_merged(domains, file, numbered);
 }
 
 }  // namespace vak::merge

@@ -133,6 +133,7 @@ public:
 
     std::vector<int64_t> extents() const;
     bool present() const { return !present_ || present_(); }
+    const char* name() const { return name_; }
 
 protected:
     ArrayView view_of_type(std::string type) const;

@@ -1,6 +1,8 @@
 // Calls a reader with its arguments: once for the attributes, and where the arrays are wanted again for them.
 #pragma once
 
+#include <algorithm>
+
 #include "show/fields.h"
 #include "store/call.h"
 
@@ -13,10 +15,11 @@ constexpr bool is_array = requires(Field& field)
 };
 
 template <class... Fields>
-bool all_fit(const Fields&... fields)
+bool all_fit(const Request& request, const Fields&... fields)
 {
-    const auto fits = [](const auto& field) {
-        if constexpr (is_array<std::remove_cvref_t<decltype(field)>>) return field.fits();
+    const auto fits = [&](const auto& field) {
+        if constexpr (is_array<std::remove_cvref_t<decltype(field)>>)
+            return field.fits() || !request.wants(field.name());
         return true;
     };
     return (fits(fields) && ...);
@@ -26,13 +29,14 @@ template <class Field>
 void allocate(Field& field, const Request& request)
 {
     if constexpr (is_array<Field>)
-        if (!field.fits()) field.allocate(request.most_values);
+        if (!field.fits() && request.wants(field.name())) field.allocate(request.most_values);
 }
 
 template <class Field>
 void take(Field& field, const Request& request, int64_t state)
 {
-    if constexpr (is_array<Field>) field.take(request, state);
+    if constexpr (is_array<Field>)
+        if (request.wants(field.name())) field.take(request, state);
 }
 
 // Reads until every array has the size that the values of others tell (three rounds are the most that a
@@ -41,7 +45,7 @@ template <class Read, class... Fields>
 void read_arrays(Read read, const Request& request, Fields&... fields)
 {
     read();
-    for (int round = 0; !all_fit(fields...); ++round) {
+    for (int round = 0; !all_fit(request, fields...); ++round) {
         if (round == 3) throw cli::Problem("the block changes while it is read; try again");
         (allocate(fields, request), ...);
         read();
@@ -75,7 +79,8 @@ void read_series(Reading& reading, Routine routine, Pass& pass, GoTo go_to, cons
         store::call("reading " + reading.view.entry.path, routine, reading.group, fields.pointer()...);
     };
     read(pass.attributes);
-    for (int32_t state = 0; reading.request.values && state < states.value; ++state) {
+    const int32_t end = reading.request.only ? std::min(states.value, 1) : states.value;
+    for (int32_t state = 0; reading.request.values && state < end; ++state) {
         go_to(state);
         if (state == 0)
             read_arrays([&] { read(pass.everything); }, reading.request, fields...);

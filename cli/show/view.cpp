@@ -109,6 +109,11 @@ void name_components(std::vector<ComponentExtremes>& components, const std::vect
 
 }  // namespace
 
+bool Request::wants(const std::string& array) const
+{
+    return !only || std::find(only->begin(), only->end(), array) != only->end();
+}
+
 BlockView view(const store::File& file, const store::BlockEntry& entry, const Request& request)
 {
     BlockView block = read(file, entry, request);

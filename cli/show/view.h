@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <limits>
+#include <optional>
 #include <string>
 #include <utility>
 #include <variant>
@@ -40,6 +41,11 @@ struct Request {
     bool values = false;                                        // read the arrays
     bool all_values = false;                                    // keep all of them
     int64_t most_values = std::numeric_limits<int64_t>::max();  // an array of more is a problem
+    // Only these arrays are read; of the others, and of a series behind its first state, it is only looked
+    // whether the file has what the block's counts say.
+    std::optional<std::vector<std::string>> only{};
+
+    bool wants(const std::string& array) const;
 };
 
 // Reads a block of any kind; of one of an unknown kind nothing but key and path is shown.

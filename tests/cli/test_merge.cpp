@@ -8,9 +8,8 @@
 
 #include "cli/domain_set.h"
 #include "cli/solid.h"
-#include "merge/check.h"
 #include "merge/progress.h"
-#include "problem.h"
+#include "store/file.h"
 
 using namespace vak::test;
 using testing::AllOf;
@@ -145,24 +144,6 @@ TEST_F(Merge, an_interrupt_leaves_no_temporary_file)
     EXPECT_EQ(finish(child, out).status, -SIGINT);
     std::filesystem::remove(fifo);
     EXPECT_EQ(files(), sources);
-}
-
-TEST_F(Merge, a_merged_file_without_one_of_the_blocks_is_not_complete)
-{
-    ASSERT_EQ(set.merge(2).status, 0);
-    std::deque<vak::store::File> domains;
-    std::vector<vak::store::Catalogue> catalogues;
-    for (const auto& name : set.domains(2)) {
-        domains.push_back(vak::store::File::open(name));
-        catalogues.push_back(vak::store::catalogue(domains.back()));
-    }
-    EXPECT_NO_THROW(vak::merge::check_merged(domains, catalogues, set.file("merged.h5")));
-    // Of one domain alone, a file has too few entities or lacks blocks.
-    EXPECT_THROW(vak::merge::check_merged(domains, catalogues, set.domains(2)[0]), vak::cli::Problem);
-    EXPECT_THROW(vak::merge::check_merged(domains, catalogues, set.file("nothing.h5")), vak::cli::Problem);
-    catalogues[1].blocks.push_back(
-        {.key = 40, .path = "constant/text/LOST/vakblock", .states = {}, .set = {}});
-    EXPECT_THROW(vak::merge::check_merged(domains, catalogues, set.file("merged.h5")), vak::cli::Problem);
 }
 
 TEST(MergeProgress, a_line_tells_share_amount_rate_and_time_left)
