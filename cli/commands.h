@@ -1,9 +1,16 @@
 // The program's subcommands.
 #pragma once
 
-#include <CLI/CLI.hpp>
+namespace CLI {
+class App;
+}
 
 namespace vak::cli {
+
+// Thrown by a subcommand whose answer is a status.
+struct Answer {
+    int status;
+};
 
 // Each adds one subcommand, which does its work when it is chosen.
 void add_list(CLI::App& app);

@@ -10,6 +10,7 @@
 #include "commands.h"
 #include "compare/differences.h"
 #include "show/view.h"
+#include "subcommand.h"
 
 namespace vak::cli {
 
@@ -76,7 +77,7 @@ size_t report(const Options& options, const Side& a, const Side& b)
 void run(const Options& options)
 {
     const Side a(options.first), b(options.second);
-    if (report(options, a, b) > 0) throw CLI::RuntimeError(1);
+    if (report(options, a, b) > 0) throw Answer{1};
 }
 
 }  // namespace
@@ -84,17 +85,17 @@ void run(const Options& options)
 void add_compare(CLI::App& app)
 {
     auto options = std::make_shared<Options>();
-    CLI::App* compare = app.add_subcommand(
-        "compare", "Compares two files block by block, entities matched by their identifiers");
-    compare->add_option("FIRST", options->first, "A result file, or a group in it")->required();
-    compare->add_option("SECOND", options->second, "The one to compare it with")->required();
-    compare->add_option("--without", options->without,
-                        "Leave out the blocks whose path matches; may be given again");
+    Subcommand compare(app, "compare",
+                       "Compares two files block by block, entities matched by their identifiers");
+    compare.takes("FIRST", options->first, "A result file, or a group in it").required();
+    compare.takes("SECOND", options->second, "The one to compare it with").required();
+    compare.takes("--without", options->without,
+                  "Leave out the blocks whose path matches; may be given again");
     compare
-        ->add_option("--tolerance", options->tolerance,
-                     "Reals may differ by so much, times the largest magnitude in their array")
-        ->check(CLI::NonNegativeNumber);
-    compare->callback([options] { run(*options); });
+        .takes("--tolerance", options->tolerance,
+               "Reals may differ by so much, times the largest magnitude in their array")
+        .not_negative();
+    compare.runs([options] { run(*options); });
 }
 
 }  // namespace vak::cli

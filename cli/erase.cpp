@@ -13,6 +13,7 @@
 #include "store/call.h"
 #include "store/file.h"
 #include "store/file_lock.h"
+#include "subcommand.h"
 
 namespace vak::cli {
 
@@ -88,17 +89,15 @@ void run(const Options& options)
 void add_erase(CLI::App& app)
 {
     auto options = std::make_shared<Options>();
-    CLI::App* erase = app.add_subcommand("erase", "Erases every state behind a given one");
-    erase->add_option("FILE", options->file, "The result file")->required();
-    erase->add_option("--after", options->after, "The index values behind which states go: 5, or 5,2")
-        ->delimiter(',');
-    erase->add_option("--state", options->state,
-                      "The last state to stay: its number, or a value such as its time");
-    erase->add_flag("--dry-run", options->dry_run, "Only name what would go");
-    erase->add_flag("--repack", options->repack, "Write the file anew, without the space that becomes free");
-    erase->add_flag("--legacy", options->legacy,
-                    "Take the file for one of the legacy layout without looking");
-    erase->callback([options] { run(*options); });
+    Subcommand erase(app, "erase", "Erases every state behind a given one");
+    erase.takes("FILE", options->file, "The result file").required();
+    erase.takes("--after", options->after, "The index values behind which states go: 5, or 5,2")
+        .comma_separated();
+    erase.takes("--state", options->state, "The last state to stay: its number, or a value such as its time");
+    erase.flag("--dry-run", options->dry_run, "Only name what would go");
+    erase.flag("--repack", options->repack, "Write the file anew, without the space that becomes free");
+    erase.flag("--legacy", options->legacy, "Take the file for one of the legacy layout without looking");
+    erase.runs([options] { run(*options); });
 }
 
 }  // namespace vak::cli

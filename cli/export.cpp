@@ -9,6 +9,7 @@
 #include "matrix/matrix.h"
 #include "problem.h"
 #include "selection.h"
+#include "subcommand.h"
 
 namespace vak::cli {
 
@@ -64,17 +65,16 @@ void run(const Options& options)
 void add_export(CLI::App& app)
 {
     auto options = std::make_shared<Options>();
-    CLI::App* command = app.add_subcommand("export", "Writes a matrix block as a Matrix Market file");
-    command->add_option("FILE", options->file, "The result file, or a group in it: run.h5/post")->required();
+    Subcommand command(app, "export", "Writes a matrix block as a Matrix Market file");
+    command.takes("FILE", options->file, "The result file, or a group in it: run.h5/post").required();
     command
-        ->add_option("--matrix", options->path,
-                     "Path of the block, part of it, or a pattern that one matrix matches")
-        ->required();
-    command->add_option("-o,--output", options->output,
-                        "The file to write (.mtx); without it the matrix is printed");
-    command->add_flag("--legacy", options->legacy,
-                      "Take the file for one of the legacy layout without looking");
-    command->callback([options] { run(*options); });
+        .takes("--matrix", options->path,
+               "Path of the block, part of it, or a pattern that one matrix matches")
+        .required();
+    command.takes("-o,--output", options->output,
+                  "The file to write (.mtx); without it the matrix is printed");
+    command.flag("--legacy", options->legacy, "Take the file for one of the legacy layout without looking");
+    command.runs([options] { run(*options); });
 }
 
 }  // namespace vak::cli

@@ -11,6 +11,7 @@
 #include "matrix/matrix.h"
 #include "problem.h"
 #include "store/call.h"
+#include "subcommand.h"
 
 namespace vak::cli {
 
@@ -83,29 +84,24 @@ void run(const Options& options)
 void add_import(CLI::App& app)
 {
     auto options = std::make_shared<Options>();
-    CLI::App* import =
-        app.add_subcommand("import", "Stores the results of a CalculiX run (.frd), or matrices");
-    import
-        ->add_option("FILE", options->sources,
-                     "The solver's result file; with --matrix Matrix Market files (.mtx)")
-        ->required();
-    import
-        ->add_option("-o,--output", options->output, "The file to write; one that has this name is replaced")
-        ->required();
-    import
-        ->add_option("--series", options->series,
-                     "Store each variable as one block of all states in this series")
-        ->check(series_name);
-    import->add_option("--matrix", options->matrix, "Store matrices, as blocks of this kind")
-        ->check(CLI::IsMember({"sparse", "triangular", "dense"}))
-        ->excludes("--series");
-    import
-        ->add_option("--domains", options->domains,
-                     "Cut the mesh into so many domains and write a file for each: -o RUN-%d.h5")
-        ->check(CLI::Range(1, 100000))
-        ->excludes("--matrix");
-    import->callback([options] { run(*options);
-});
-}  // namespace vak::cli
+    Subcommand command(app, "import", "Stores the results of a CalculiX run (.frd), or matrices");
+    command
+        .takes("FILE", options->sources, "The solver's result file; with --matrix Matrix Market files (.mtx)")
+        .required();
+    command.takes("-o,--output", options->output, "The file to write; one that has this name is replaced")
+        .required();
+    command
+        .takes("--series", options->series, "Store each variable as one block of all states in this series")
+        .check(series_name);
+    command.takes("--matrix", options->matrix, "Store matrices, as blocks of this kind")
+        .one_of({"sparse", "triangular", "dense"})
+        .excludes("--series");
+    command
+        .takes("--domains", options->domains,
+               "Cut the mesh into so many domains and write a file for each: -o RUN-%d.h5")
+        .between(1, 100000)
+        .excludes("--matrix");
+    command.runs([options] { run(*options); });
+}
 
 }  // namespace vak::cli

@@ -12,6 +12,7 @@
 #include "store/call.h"
 #include "store/file.h"
 #include "store/quiet_output.h"
+#include "subcommand.h"
 
 namespace vak::cli {
 
@@ -85,13 +86,12 @@ void run(const Options& options)
 void add_link(CLI::App& app)
 {
     auto options = std::make_shared<Options>();
-    CLI::App* link =
-        app.add_subcommand("link", "Makes a file that shows the blocks of others, without copying them");
-    link->add_option("FILE", options->files, "The files whose blocks are to be seen")->required();
-    link->add_option("-o,--output", options->target, "The file to write; one that has this name is replaced")
-        ->required();
-    link->add_option("--group", options->group, "Put the links into a group of this name");
-    link->callback([options] { run(*options); });
+    Subcommand link(app, "link", "Makes a file that shows the blocks of others, without copying them");
+    link.takes("FILE", options->files, "The files whose blocks are to be seen").required();
+    link.takes("-o,--output", options->target, "The file to write; one that has this name is replaced")
+        .required();
+    link.takes("--group", options->group, "Put the links into a group of this name");
+    link.runs([options] { run(*options); });
 }
 
 }  // namespace vak::cli

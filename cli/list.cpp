@@ -6,6 +6,7 @@
 #include "commands.h"
 #include "listing.h"
 #include "selection.h"
+#include "subcommand.h"
 
 namespace vak::cli {
 
@@ -36,11 +37,11 @@ void run(const Options& options)
 void add_list(CLI::App& app)
 {
     auto options = std::make_shared<Options>();
-    CLI::App* list = app.add_subcommand("list", "Lists the blocks of a file: key, type, state, set, path");
-    list->add_option("FILE", options->file, "The result file, or a group in it: run.h5/post")->required();
-    list->add_flag("--json", options->json, "Print one JSON document");
-    list->add_flag("--legacy", options->legacy, "Take the file for one of the legacy layout without looking");
-    list->callback([options] { run(*options); });
+    Subcommand list(app, "list", "Lists the blocks of a file: key, type, state, set, path");
+    list.takes("FILE", options->file, "The result file, or a group in it: run.h5/post").required();
+    list.flag("--json", options->json, "Print one JSON document");
+    list.flag("--legacy", options->legacy, "Take the file for one of the legacy layout without looking");
+    list.runs([options] { run(*options); });
 }
 
 }  // namespace vak::cli

@@ -1,4 +1,5 @@
 // vak: result files from the command line.
+#include <CLI/CLI.hpp>
 #include <cstdio>
 #include <exception>
 #include <new>
@@ -46,8 +47,8 @@ int run(int argc, char** argv)
         return 0;
     } catch (const CLI::Success& asked) {
         return app.exit(asked);
-    } catch (const CLI::RuntimeError& answer) {
-        return answer.get_exit_code();  // of a subcommand whose answer it is
+    } catch (const vak::cli::Answer& answer) {
+        return answer.status;
     } catch (const CLI::ParseError& error) {
         return refuse(chosen(app),
                       first_line(error.what()) + " (" + chosen(app) + " --help tells the usage)");

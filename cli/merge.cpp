@@ -11,6 +11,7 @@
 #include "problem.h"
 #include "store/file.h"
 #include "store/open_files.h"
+#include "subcommand.h"
 
 namespace vak::cli {
 
@@ -79,23 +80,22 @@ void run(const Options& options)
 void add_merge(CLI::App& app)
 {
     auto options = std::make_shared<Options>();
-    CLI::App* merge = app.add_subcommand("merge", "Joins the files of a distributed run's domains");
-    merge->add_option("DOMAIN", options->domains, "The domain files; their order is the domains' numbers")
-        ->required();
-    merge->add_option("-o,--output", options->target, "The file to write; one that has this name is replaced")
-        ->required();
-    merge->add_option("--params", options->params,
-                      "File of variables and the decimal places they are kept to");
+    Subcommand merge(app, "merge", "Joins the files of a distributed run's domains");
+    merge.takes("DOMAIN", options->domains, "The domain files; their order is the domains' numbers")
+        .required();
+    merge.takes("-o,--output", options->target, "The file to write; one that has this name is replaced")
+        .required();
+    merge.takes("--params", options->params, "File of variables and the decimal places they are kept to");
     merge
-        ->add_option("--memory", options->memory,
-                     "About how much memory may be used; decides how many files are merged at once (2G)")
-        ->transform(CLI::AsSizeValue(false));
-    merge->add_option("--at-once", options->at_once, "Merge at most so many files at once")
-        ->check(CLI::Range(merge::least_at_once, size_t{1} << 30));
-    merge->add_flag("--no-domain-number", options->no_domain_number,
-                    "Do not add the result that tells the domain of each element");
-    merge->add_flag("-v,--verbose", options->verbose, "Report what is done; -vv in detail");
-    merge->callback([options] { run(*options); });
+        .takes("--memory", options->memory,
+               "About how much memory may be used; decides how many files are merged at once (2G)")
+        .bytes();
+    merge.takes("--at-once", options->at_once, "Merge at most so many files at once")
+        .between(merge::least_at_once, size_t{1} << 30);
+    merge.flag("--no-domain-number", options->no_domain_number,
+               "Do not add the result that tells the domain of each element");
+    merge.flag("-v,--verbose", options->verbose, "Report what is done; -vv in detail");
+    merge.runs([options] { run(*options); });
 }
 
 }  // namespace vak::cli

@@ -5,6 +5,7 @@
 
 #include "commands.h"
 #include "merge/merging.h"
+#include "subcommand.h"
 
 namespace vak::cli {
 
@@ -24,11 +25,9 @@ void run(const std::string& file)
 void add_params(CLI::App& app)
 {
     auto file = std::make_shared<std::string>();
-    CLI::App* params =
-        app.add_subcommand("params", "Lists the variables of a parameter file with their exponents");
-    params->add_option("FILE", *file, "Lines of a variable and its exponent; $ and # begin comments")
-        ->required();
-    params->callback([file] { run(*file); });
+    Subcommand params(app, "params", "Lists the variables of a parameter file with their exponents");
+    params.takes("FILE", *file, "Lines of a variable and its exponent; $ and # begin comments").required();
+    params.runs([file] { run(*file); });
 }
 
 }  // namespace vak::cli

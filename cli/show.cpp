@@ -9,6 +9,7 @@
 #include "selection.h"
 #include "show/print.h"
 #include "show/view.h"
+#include "subcommand.h"
 
 namespace vak::cli {
 
@@ -54,17 +55,16 @@ void run(const Options& options)
 void add_show(CLI::App& app)
 {
     auto options = std::make_shared<Options>();
-    CLI::App* show =
-        app.add_subcommand("show", "Shows what blocks hold: attributes, shapes, first values, extremes");
-    show->add_option("FILE", options->file, "The result file, or a group in it: run.h5/post")->required();
-    show->add_option(
+    Subcommand show(app, "show", "Shows what blocks hold: attributes, shapes, first values, extremes");
+    show.takes("FILE", options->file, "The result file, or a group in it: run.h5/post").required();
+    show.takes(
         "PATTERN", options->pattern,
         "Part of a path, or with *, ? or [] a pattern of whole paths. Without it every block is shown, "
         "and no array is read");
-    show->add_flag("--json", options->json, "Print one JSON document");
-    show->add_flag("--all", options->all, "Print every value");
-    show->add_flag("--legacy", options->legacy, "Take the file for one of the legacy layout without looking");
-    show->callback([options] { run(*options); });
+    show.flag("--json", options->json, "Print one JSON document");
+    show.flag("--all", options->all, "Print every value");
+    show.flag("--legacy", options->legacy, "Take the file for one of the legacy layout without looking");
+    show.runs([options] { run(*options); });
 }
 
 }  // namespace vak::cli
