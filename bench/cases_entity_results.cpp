@@ -1,5 +1,6 @@
 // Large blocks: a million nodes, many states; one filtered.
 #include "cases.h"
+#include "duel.h"
 #include "entity_results.h"
 
 #include <memory>

@@ -1,5 +1,6 @@
 // Small blocks: thousands of them written and listed, one variable over many states.
 #include "cases.h"
+#include "duel.h"
 #include "entity_results.h"
 
 #include <cstdlib>

@@ -1,6 +1,7 @@
 // Large matrices: dense, whole and in slabs of rows, and sparse.
 #include "block_head.h"
 #include "cases.h"
+#include "duel.h"
 #include "ours.h"
 
 #include <memory>

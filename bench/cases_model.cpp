@@ -1,6 +1,7 @@
 // The mesh: elements with their nodes, and titled entities.
 #include "block_head.h"
 #include "cases.h"
+#include "duel.h"
 #include "ours.h"
 
 #include <memory>

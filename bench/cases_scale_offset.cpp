@@ -1,5 +1,6 @@
 // Three decimal digits and deflate 6: element results as one chunk, and a series.
 #include "cases.h"
+#include "duel.h"
 #include "series_block.h"
 
 #include <memory>

@@ -1,5 +1,6 @@
 // A series: states appended one by one, the history of an entity, the field of a state.
 #include "cases.h"
+#include "duel.h"
 #include "series_block.h"
 
 #include <memory>

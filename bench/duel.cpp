@@ -3,12 +3,10 @@
 #include "same_layout.h"
 
 #include <benchmark/benchmark.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <chrono>
 #include <cstdio>
-#include <cstdlib>
 #include <ctime>
 #include <filesystem>
 #include <vector>
@@ -92,11 +90,6 @@ void fight(benchmark::State& state, const Job& job, const std::function<Contest(
     results.push_back(result);
 }
 
-std::filesystem::path folder()
-{
-    return std::filesystem::temp_directory_path() / ("vak_bench." + std::to_string(getpid()));
-}
-
 // Speed is not to be had by compressing less.
 void check_sizes(const std::string& our_file, const std::string& plain_file)
 {
@@ -123,22 +116,6 @@ void print_table()
     for (const Result& r : results)
         std::printf("| %s%s | %.4f | %.4f | %.2f | %.2f | %.2f |\n", r.job.name, r.remark.c_str(),
                     median(r.ours.wall), median(r.plain.wall), ratio(r), processor_ratio(r), r.job.aim);
-}
-
-std::string file_name(const std::string& name)
-{
-    std::filesystem::create_directories(folder());
-    return folder() / name;
-}
-
-void remove_files() { std::filesystem::remove_all(folder()); }
-
-void must(int64_t status, const char* what)
-{
-    if (status >= 0) return;
-    std::fprintf(stderr, "vak_bench: %s failed with %lld\n", what, static_cast<long long>(status));
-    remove_files();
-    std::_Exit(1);  // HDF5 may be in the middle of a visit
 }
 
 Contest writing(const Writer& ours, const Writer& plain)

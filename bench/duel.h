@@ -1,6 +1,8 @@
 // A duel: the same job done by the library and by plain HDF5 calls, in turn, in one run.
 #pragma once
 
+#include "run_folder.h"
+
 #include <algorithm>
 #include <functional>
 #include <string>
@@ -28,13 +30,6 @@ void add_duel(const Job& job, std::function<Contest()> make);
 
 // The results of the duels that were fought, in Markdown.
 void print_table();
-
-// A name in a folder of this run, which goes at its end.
-std::string file_name(const std::string& name);
-void remove_files();
-
-// Ends the program when a call failed.
-void must(int64_t status, const char* what);
 
 // The contest of two writers, each given the name of its file.
 using Writer = std::function<void(const std::string&)>;

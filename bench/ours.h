@@ -1,7 +1,7 @@
 // Files and blocks through the exported routines.
 #pragma once
 
-#include "duel.h"
+#include "run_folder.h"
 
 #include <vak_sp.h>
 

@@ -1,14 +1,11 @@
 // What the chunk size setting costs and gains: a series of states appended one by one, then read as histories
 // of single entities and as fields of single states. Prints a table in Markdown.
-#include <vak_sp.h>
-
-#include <unistd.h>
+#include "ours.h"
 
 #include <algorithm>
 #include <chrono>
 #include <cmath>
 #include <cstdio>
-#include <cstdlib>
 #include <filesystem>
 #include <functional>
 #include <optional>
@@ -16,6 +13,8 @@
 #include <vector>
 
 namespace {
+
+using bench::BlockGroup, bench::field, bench::File, bench::must;
 
 constexpr int32_t states = 64, components = 3;
 constexpr int32_t shuffle_and_deflate = 2 + 16;  // of reals
@@ -27,15 +26,6 @@ struct Task {
     int32_t entities, flags;
     int rounds;
 };
-
-std::string field(std::string name) { return name.append(256 - name.size(), ' '); }
-
-void must(int32_t ierr, const char* what)
-{
-    if (ierr >= 0) return;
-    std::fprintf(stderr, "series_chunks: %s failed with %d\n", what, ierr);
-    std::exit(1);
-}
 
 double seconds(const std::function<void()>& work)
 {
@@ -66,29 +56,6 @@ struct Series {
     }
 };
 
-class File {
-public:
-    File(const std::string& name, int32_t option)
-    {
-        const auto length = static_cast<int32_t>(name.size());
-        const int32_t none = 0;
-        int32_t ierr = 0;
-        VAK_OPEN(name.data(), &length, "", &none, "", &none, &group_, &none, &option, &ierr);
-        must(ierr, "opening");
-    }
-    File(const File&) = delete;
-    ~File()
-    {
-        int32_t ierr = 0;
-        VAK_CLOSE(&group_, &ierr);
-        must(ierr, "closing");
-    }
-    const vak_id* id() const { return &group_; }
-
-private:
-    vak_id group_ = -1;
-};
-
 void append(const File& file, const Series& s, int32_t state)
 {
     const int32_t place = 1;
@@ -106,7 +73,7 @@ double append_all(const std::string& name, const Task& task)
 {
     Series s(task);
     double spent = 0;
-    std::optional<File> file(std::in_place, name, 8);
+    std::optional<File> file(std::in_place, name, bench::create);
     for (int32_t state = 0; state < states; ++state) {
         s.go_to(state);
         spent += seconds([&] { append(*file, s, state); });
@@ -114,13 +81,14 @@ double append_all(const std::string& name, const Task& task)
     spent += seconds([&] { file.reset(); });
     return spent / states;
 }
+
 // Reads a slab of the values alone.
-void read_slab(vak_id block, Series& s, std::vector<float>& values, const int64_t* count,
+void read_slab(const BlockGroup& block, Series& s, std::vector<float>& values, const int64_t* count,
                const int64_t* start)
 {
     const int32_t values_alone = 8, slab = 1;
     int32_t nstate = states, ierr = 0;
-    VAK_READ_MULTIENTITYRESULTS2(&block, &values_alone, nullptr, s.name.data(), s.etyp.data(), &s.nent,
+    VAK_READ_MULTIENTITYRESULTS2(block.id(), &values_alone, nullptr, s.name.data(), s.etyp.data(), &s.nent,
                                  s.etypvar.data(), &s.ncoo, s.empty.data(), &s.none, s.empty.data(), &s.zero,
                                  &s.zero, &s.nindex, &nstate, nullptr, nullptr, nullptr, &s.zero, nullptr,
                                  nullptr, nullptr, values.data(), &s.real, &s.flags, s.params, &slab, count,
@@ -135,14 +103,8 @@ struct Reading {
 Reading read_parts(const std::string& name, const Task& task)
 {
     Series s(task);
-    const File file(name, 10);
-    const std::string path = "multistate/SERIES/multientityresults/NODE/DISPLACEMENT/vakblock";
-    const auto length = static_cast<int32_t>(path.size());
-    const int32_t existing = 1;
-    vak_id block = -1;
-    int32_t ierr = 0;
-    VAK_H5GOPEN(file.id(), path.data(), &length, &existing, &block, &ierr);
-    must(ierr, "opening the block");
+    const File file(name, bench::read_only);
+    const BlockGroup block(file, "multistate/SERIES/multientityresults/NODE/DISPLACEMENT/vakblock");
     std::vector<float> values(s.res.size());
     const double history = seconds([&] {
         const int64_t count[3] = {states, 1, components};
@@ -158,7 +120,6 @@ Reading read_parts(const std::string& name, const Task& task)
             read_slab(block, s, values, count, start);
         }
     });
-    VAK_H5GCLOSE(&block, &ierr);
     return {history / histories, state_field / states};
 }
 
@@ -198,14 +159,11 @@ void print_table(const Task& task, const std::string& name)
 
 int main()
 {
-    const auto folder =
-        std::filesystem::temp_directory_path() / ("series_chunks." + std::to_string(getpid()));
-    std::filesystem::create_directory(folder);
-    const std::string name = (folder / "series.h5").string();
+    const std::string name = bench::file_name("series.h5");
     print_table({.storage = "unfiltered", .entities = 50000, .flags = 0, .rounds = 9}, name);
     print_table(
         {.storage = "shuffle and deflate 1", .entities = 10000, .flags = shuffle_and_deflate, .rounds = 3},
         name);
-    std::filesystem::remove(folder);
+    bench::remove_files();
     return 0;
 }
