@@ -1,6 +1,4 @@
 // Names that fill the fields they are given in, or reach beyond them.
-#include <cstdlib>
-
 #include "samples/activflags.h"
 #include "samples/entityresults.h"
 #include "samples/multientityresults.h"
@@ -14,27 +12,6 @@ namespace {
 
 class NameLengths : public BothFamilies {
 protected:
-    // What the catalogue lists, each as "key path".
-    std::vector<std::string> listed()
-    {
-        int32_t capacity = 0, n = 0, ierr = untouched, *keys = nullptr;
-        const int32_t collect = 1, verbose = 0;
-        int64_t pool = 0, total = 0, *offsets = nullptr;
-        char* paths = nullptr;
-        EXPECT_EQ(call([&] {
-                      (legacy() ? vak1_lookup : vak_lookup)(&file, &collect, &verbose, &capacity, &pool, &n,
-                                                            &total, &keys, &offsets, &paths, &ierr);
-                  }),
-                  nothing_printed);
-        EXPECT_EQ(ierr, 0);
-        std::vector<std::string> found;
-        for (int32_t i = 0; i < n; ++i) found.push_back(std::to_string(keys[i]) + " " + (paths + offsets[i]));
-        std::free(keys);
-        std::free(offsets);
-        std::free(paths);
-        return found;
-    }
-
     // A block is written under names of these lengths, listed, and read back with the first 256 characters.
     template <class S>
     void expect_names(std::string S::*name, int32_t status_of_reading)
@@ -46,8 +23,8 @@ protected:
             written.*name = length > 256 ? std::string(length, letter) : padded(std::string(length, letter));
             EXPECT_EQ(write(written), success);
             (written.*name).resize(256);
-            EXPECT_THAT(listed(), testing::Contains(std::to_string(S::key) + " " + written.path() +
-                                                    (legacy() ? "/header" : "")));
+            EXPECT_THAT(listed_blocks(file), testing::Contains(std::to_string(S::key) + " " + written.path() +
+                                                               (legacy() ? "/header" : "")));
             S found = emptied(written);
             EXPECT_EQ(read(found, everything<S>(legacy())), status(status_of_reading));
             EXPECT_EQ(found.*name, written.*name);

@@ -5,8 +5,11 @@
 //   exists.\n"));
 #pragma once
 
+#include <cstdlib>
+
 #include "samples/sample.h"
 #include "support/library.h"
+#include "vak_sp.h"
 
 namespace vak::test {
 
@@ -89,6 +92,28 @@ protected:
     S sample() const
     {
         return sample_of<S>(family());
+    }
+
+    // What the catalogue lists below a place, each as "key path".
+    std::vector<std::string> listed_blocks(hid_t at)
+    {
+        int32_t capacity = 0, n = 0, ierr = untouched, *keys = nullptr;
+        const int32_t collect = 1, verbose = 0;
+        int64_t pool = 0, total = 0, *offsets = nullptr;
+        char* paths = nullptr;
+        const auto lookup = legacy() ? vak1_lookup : vak_lookup;
+        EXPECT_EQ(call([&] {
+                      lookup(&at, &collect, &verbose, &capacity, &pool, &n, &total, &keys, &offsets, &paths,
+                             &ierr);
+                  }),
+                  nothing_printed);
+        EXPECT_EQ(ierr, 0);
+        std::vector<std::string> found;
+        for (int32_t i = 0; i < n; ++i) found.push_back(std::to_string(keys[i]) + " " + (paths + offsets[i]));
+        std::free(keys);
+        std::free(offsets);
+        std::free(paths);
+        return found;
     }
 };
 

@@ -95,25 +95,6 @@ protected:
         hid_t group = H5I_INVALID_HID;
         while (H5Fget_obj_ids(in, H5F_OBJ_GROUP, 1, &group) > 0) H5Gclose(group);
     }
-    std::vector<std::string> listed(hid_t at)
-    {
-        int32_t capacity = 0, n = 0, ierr = 0, *keys = nullptr;
-        const int32_t collect = 1, verbose = 0;
-        int64_t pool = 0, total = 0, *offsets = nullptr;
-        char* paths = nullptr;
-        EXPECT_EQ(call([&] {
-                      (legacy() ? vak1_lookup : vak_lookup)(&at, &collect, &verbose, &capacity, &pool, &n,
-                                                            &total, &keys, &offsets, &paths, &ierr);
-                  }),
-                  nothing_printed);
-        EXPECT_EQ(ierr, 0);
-        std::vector<std::string> found;
-        for (int32_t i = 0; i < n; ++i) found.push_back(std::to_string(keys[i]) + " " + (paths + offsets[i]));
-        std::free(keys);
-        std::free(offsets);
-        std::free(paths);
-        return found;
-    }
     // As a caller finds a block of which he knows the path. The group, or the status when there is none.
     vak_id open_group(const std::string& name, int64_t opened = 0)
     {
@@ -129,7 +110,7 @@ protected:
 
     void expect_gone()
     {
-        EXPECT_TRUE(listed(file).empty());
+        EXPECT_TRUE(listed_blocks(file).empty());
         for (const std::string name : {"constant", "singlestate", "multistate"}) {
             EXPECT_EQ(open_group(name), -20);
             EXPECT_EQ(last, (Output{"", "VAK ERROR - vak_h5gopen - code -20, group \"all/" + name + "\"\n"}));
@@ -150,8 +131,8 @@ INSTANTIATE_TEST_SUITE_P(, GatheredBlocks, both_families, family_name);
 TEST_P(GatheredBlocks, are_listed_as_in_the_file_that_holds_them)
 {
     const FileId source = read_file(holder);
-    EXPECT_GE(listed(source).size(), all.size() - 1);  // properties lie in a group of the caller's
-    EXPECT_EQ(listed(open_object(file, "all")), listed(source));
+    EXPECT_GE(listed_blocks(source).size(), all.size() - 1);  // properties lie in a group of the caller's
+    EXPECT_EQ(listed_blocks(open_object(file, "all")), listed_blocks(source));
 }
 
 TEST_P(GatheredBlocks, are_found_by_what_is_asked_for)
