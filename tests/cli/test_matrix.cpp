@@ -5,7 +5,9 @@
 #include <filesystem>
 #include <map>
 #include <nlohmann/json.hpp>
+#include <numeric>
 #include <sstream>
+#include <vector>
 
 #include "cli/deck.h"
 #include "cli/frd_text.h"
@@ -43,6 +45,20 @@ protected:
         const Said said = import(kind, text);
         EXPECT_EQ(said, (Said{.status = 0, .out = "", .err = ""}));
         return exported(kind + "matrix/K");
+    }
+
+    // Two rows with the values 1, 2, ..., as a program may write them.
+    void store_matrix(decltype(&VAK_WRITE_SPARSEMATRIX) write, const std::vector<int32_t>& colind,
+                      const std::vector<int64_t>& rowptr, int32_t symmetric = 0)
+    {
+        vak::store::File file = vak::store::File::create(h5, "model");
+        const auto nnz = static_cast<int64_t>(colind.size());
+        std::vector<float> values(colind.size());
+        std::iota(values.begin(), values.end(), 1.0F);
+        vak::store::call("writing", write, file.root(), "", Int{-1}, "K", Int{2}, &nnz, Int{0},
+                         Int{symmetric}, nullptr, nullptr, colind.data(), rowptr.data(), values.data(),
+                         Int{-1}, Int{0}, no_parameters, Int{4}, Int{0}, nullptr, nullptr);
+        file.close();
     }
 
     json shown(const std::string& path)
@@ -216,46 +232,19 @@ TEST_F(MatrixMarket, an_export_to_a_file_is_complete_or_not_there)
 
 TEST_F(MatrixMarket, legacy_blocks_and_indices_from_1_are_exported)
 {
-    {
-        vak::store::File file = vak::store::File::create(h5, "model");
-        const int32_t colind[3] = {1, 2, 2};
-        const int64_t rowptr[3] = {1, 3, 4}, nnz = 3;
-        const float values[3] = {1, 2, 3};
-        vak::store::call("writing", VAK1_WRITE_SPARSEMATRIX, file.root(), "", Int{-1}, "K", Int{2}, &nnz,
-                         Int{0}, Int{0}, nullptr, nullptr, colind, rowptr, values, Int{-1}, Int{0},
-                         no_parameters, Int{4}, Int{0}, nullptr, nullptr);
-        file.close();
-    }
+    store_matrix(VAK1_WRITE_SPARSEMATRIX, {1, 2, 2}, {1, 3, 4});
     EXPECT_THAT(exported("sparsematrix/K"), HasSubstr("\n2 2 3\n1 1 1\n1 2 2\n2 2 3\n"));
 }
 
 TEST_F(MatrixMarket, a_block_marked_symmetric_that_is_not_is_exported_in_full)
 {
-    {
-        vak::store::File file = vak::store::File::create(h5, "model");
-        const int32_t colind[2] = {1, 0};
-        const int64_t rowptr[3] = {0, 1, 2}, nnz = 2;
-        const float values[2] = {1, 2};
-        vak::store::call("writing", VAK_WRITE_SPARSEMATRIX, file.root(), "", Int{-1}, "K", Int{2}, &nnz,
-                         Int{0}, Int{1}, nullptr, nullptr, colind, rowptr, values, Int{-1}, Int{0},
-                         no_parameters, Int{4}, Int{0}, nullptr, nullptr);
-        file.close();
-    }
+    store_matrix(VAK_WRITE_SPARSEMATRIX, {1, 0}, {0, 1, 2}, 1);
     EXPECT_THAT(exported("sparsematrix/K"), HasSubstr("coordinate real general\n"));
 }
 
 TEST_F(MatrixMarket, a_damaged_block_is_told_in_one_line)
 {
-    {
-        vak::store::File file = vak::store::File::create(h5, "model");
-        const int32_t colind[2] = {1, 0};
-        const int64_t rowptr[3] = {0, 2, 1}, nnz = 2;
-        const float values[2] = {1, 2};
-        vak::store::call("writing", VAK_WRITE_SPARSEMATRIX, file.root(), "", Int{-1}, "K", Int{2}, &nnz,
-                         Int{0}, Int{0}, nullptr, nullptr, colind, rowptr, values, Int{-1}, Int{0},
-                         no_parameters, Int{4}, Int{0}, nullptr, nullptr);
-        file.close();
-    }
+    store_matrix(VAK_WRITE_SPARSEMATRIX, {1, 0}, {0, 2, 1});
     EXPECT_EQ(
         vak_says({"export", h5, "--matrix", "K"}),
         (Said{
