@@ -1,4 +1,6 @@
 // vak: result files from the command line.
+#include <hdf5.h>
+
 #include <CLI/CLI.hpp>
 #include <cstdio>
 #include <exception>
@@ -61,6 +63,9 @@ int run(int argc, char** argv)
 
 int main(int argc, char** argv)
 {
+    // Files are closed where they were opened. What HDF5 still holds of one that could not be written it
+    // would try to write again at the end, and complain.
+    H5dont_atexit();
     try {
         return run(argc, argv);
     } catch (const std::bad_alloc&) {

@@ -1,6 +1,9 @@
 // vak merge: joins the files of a distributed run's domains.
+#include <sys/stat.h>
+
 #include <algorithm>
 #include <filesystem>
+#include <map>
 #include <memory>
 #include <string>
 #include <vector>
@@ -50,8 +53,21 @@ int64_t bytes_of(const std::vector<std::string>& files)
     return bytes;
 }
 
+// Of a domain that is named twice the sums would count everything double.
+void check_different(const std::vector<std::string>& domains)
+{
+    std::map<std::pair<dev_t, ino_t>, std::string> names;
+    for (const std::string& domain : domains) {
+        struct stat file {};
+        if (stat(domain.c_str(), &file) != 0) continue;
+        const auto [first, is_new] = names.try_emplace({file.st_dev, file.st_ino}, domain);
+        if (!is_new) throw Problem(domain + ": is the same file as the domain " + first->second);
+    }
+}
+
 void check_names(const Options& options)
 {
+    check_different(options.domains);
     for (const std::string& domain : options.domains) {
         std::error_code error;
         if (std::filesystem::equivalent(domain, options.target, error))

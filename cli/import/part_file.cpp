@@ -18,7 +18,8 @@ namespace vak::import {
 
 namespace {
 
-constexpr std::array<int, 3> ending_signals{SIGINT, SIGTERM, SIGHUP};
+// A reader of the output that goes away and a limit of the system end the program as well.
+constexpr std::array<int, 7> ending_signals{SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGPIPE, SIGXFSZ, SIGXCPU};
 
 // What is to be removed when the program ends before its work does. The handler reads it, so it changes
 // only while the signals wait.
@@ -39,6 +40,15 @@ void remove_and_end(int signal)
     remove_unfinished();
     std::signal(signal, SIG_DFL);
     std::raise(signal);
+}
+
+// What the caller wants to be ignored (nohup does) stays so.
+void answer_signals(void (*answer)(int))
+{
+    for (const int signal : ending_signals) {
+        struct sigaction now {};
+        if (sigaction(signal, nullptr, &now) == 0 && now.sa_handler != SIG_IGN) std::signal(signal, answer);
+    }
 }
 
 class SignalsWait {
@@ -64,7 +74,7 @@ void register_file(const std::string& path)
     const SignalsWait wait;
     unfinished().insert(path);
     if (unfinished().size() > 1) return;
-    for (const int signal : ending_signals) std::signal(signal, remove_and_end);
+    answer_signals(remove_and_end);
     static const bool at_end = std::atexit(remove_unfinished) == 0;
     static_cast<void>(at_end);
 }
@@ -74,7 +84,7 @@ void forget_file(const std::string& path)
     const SignalsWait wait;
     unfinished().erase(path);
     if (!unfinished().empty()) return;
-    for (const int signal : ending_signals) std::signal(signal, SIG_DFL);
+    answer_signals(SIG_DFL);
 }
 
 std::string temporary_name(const std::string& final_name)

@@ -9,6 +9,7 @@
 #include "merge/check.h"
 #include "merge/domain_numbers.h"
 #include "problem.h"
+#include "show/view.h"
 #include "store/call.h"
 #include "store/catalogue.h"
 #include "store/file.h"
@@ -36,13 +37,22 @@ int64_t bytes_of(const std::string& file)
     return unknown ? 0 : static_cast<int64_t>(size);
 }
 
+store::Catalogue list(const store::File& file, const std::string& name)
+{
+    try {
+        return store::catalogue(file);
+    } catch (const cli::Problem& problem) {
+        throw cli::Problem(name + ": " + problem.what());
+    }
+}
+
 Domains open_all(const std::vector<Source>& sources)
 {
     Domains domains;
     for (const Source& source : sources) {
         const store::File& file = domains.files.emplace_back(store::File::open(source.file));
         domains.roots.push_back(*file.root());
-        domains.catalogues.push_back(store::catalogue(file));
+        domains.catalogues.push_back(list(file, source.file));
         if (domains.catalogues.back().blocks.empty())
             throw cli::Problem(source.file + ": has no blocks; is it the file of a domain?");
         if (domains.catalogues.back().layout != domains.catalogues.front().layout)
@@ -52,8 +62,36 @@ Domains open_all(const std::vector<Source>& sources)
     return domains;
 }
 
+// The library's line tells the kind of a block that cannot be read: this one finds out which it is.
+std::string unreadable_block(const Domains& domains, const std::vector<Source>& sources)
+{
+    for (size_t i = 0; i < sources.size(); ++i)
+        for (const store::BlockEntry& entry : domains.catalogues[i].blocks) try {
+                show::view(domains.files[i], entry, {.layout = domains.layout(), .values = true});
+            } catch (const cli::Problem& problem) {
+                return sources[i].file + ": " + problem.what();
+            }
+    return {};
+}
+
+// Status of the library's readers; writers have others.
+bool is_of_reading(int32_t status) { return status < -4000 || status == -123; }
+
+[[noreturn]] void refuse(int32_t status, const Domains& domains, const std::vector<Source>& sources)
+{
+    const std::string stopped = "the merge stopped with status " + std::to_string(status);
+    const std::string block = is_of_reading(status) ? unreadable_block(domains, sources) : "";
+    if (!block.empty())
+        throw cli::Problem(block + "; " + stopped +
+                           " and nothing was written. Mend or leave out that domain and merge again");
+    throw cli::Problem(stopped +
+                       "; the lines above tell at what kind of block. Nothing was written; mend or "
+                       "leave out a domain that they name, or make room on the disk, and merge again");
+}
+
 // The library's own lines go to standard error as they come.
-void merge_open(const Domains& domains, const store::File& target, const Settings& settings)
+void merge_open(const Domains& domains, const std::vector<Source>& sources, const store::File& target,
+                const Settings& settings)
 {
     const Exponents& e = settings.exponents;
     const auto n = static_cast<int32_t>(domains.roots.size());
@@ -62,10 +100,7 @@ void merge_open(const Domains& domains, const store::File& target, const Setting
     (current ? VAK_MERGE_DMP : VAK1_MERGE_DMP)(domains.roots.data(), target.root(), &n, no_flags,
                                                no_parameters, &e.count, e.names.data(), e.values.data(),
                                                Int{options_of(settings)}, single_precision, &status);
-    if (status != 0)
-        throw cli::Problem("the merge stopped with status " + std::to_string(status) +
-                           "; the lines above tell at which block. Nothing was written; mend or leave out "
-                           "that domain, or make room on the disk, and merge again");
+    if (status != 0) refuse(status, domains, sources);
 }
 
 }  // namespace
@@ -95,7 +130,7 @@ void merge_files(const std::vector<Source>& sources, const std::string& file, co
     {
         const Progress::Watch watch(progress, file, bytes);
         store::File target = store::File::create(file, model);
-        merge_open(domains, target, settings);
+        merge_open(domains, sources, target, settings);
         if (settings.domain_numbers && sources.front().first_domain > 0)
             shift_domain_numbers(target, domains.catalogues, sources.front().first_domain);
         target.close();

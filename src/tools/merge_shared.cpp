@@ -47,7 +47,8 @@ void report_count(const Merge& merge, const SharedKind& kind, size_t count)
             std::fprintf(stderr, "\nVAK WARNING file [%d]: multiple \"%s\" blocks\n", 0, kind.type);
         return;
     }
-    if (told) std::printf("\n %d \"%s\" block(s) found\n", static_cast<int>(count), kind.type);
+    if (!told) return;
+    std::printf("\n %d \"%s\" block(s) found\n", static_cast<int>(count), kind.type);
     if (count == 0) std::fprintf(stderr, "\nVAK WARNING file [%d]: no \"%s\" blocks found\n", 0, kind.type);
 }
 

@@ -1,5 +1,6 @@
 // vak merge as a user calls it: what it makes, what it tells, what it leaves when it fails.
 #include <gmock/gmock.h>
+#include <hdf5.h>
 #include <signal.h>
 
 #include <filesystem>
@@ -76,6 +77,8 @@ TEST_F(Merge, away_from_a_terminal_the_end_is_a_line_and_standard_output_is_empt
     EXPECT_EQ(said.out, "");
     EXPECT_THAT(said.err,
                 testing::ContainsRegex("vak merge: 100 %  [0-9.]+ of about [0-9.]+ [kM]?B  [^\n]*/s\n$"));
+    for (size_t at = 0; at < said.err.size(); at = said.err.find('\n', at) + 1)
+        EXPECT_THAT(said.err.substr(at), testing::StartsWith("vak merge: ")) << "nothing but progress";
 }
 
 TEST_F(Merge, the_report_is_the_library_s_on_standard_output)
@@ -126,6 +129,53 @@ TEST_F(Merge, names_that_cannot_be_are_refused_before_anything_is_written)
     const Said missing = vak_says({"merge", set.domains(3)[0], set.file("no.h5"), "-o", set.file("m.h5")});
     EXPECT_EQ(missing,
               (Said{.status = 2, .out = "", .err = "vak merge: " + set.file("no.h5") + ": no such file\n"}));
+    EXPECT_EQ(files(), sources);
+}
+
+TEST_F(Merge, a_domain_that_is_named_twice_is_refused)
+{
+    const std::string again = set.file("again.h5");
+    std::filesystem::create_symlink(set.domains(3)[0], again);
+    for (const std::string& second : {set.domains(3)[0], again}) {
+        const Said said =
+            vak_says({"merge", set.domains(3)[0], set.domains(3)[1], second, "-o", set.file("m.h5")});
+        EXPECT_EQ(said, (Said{.status = 2,
+                              .out = "",
+                              .err = "vak merge: " + second + ": is the same file as the domain " +
+                                     set.domains(3)[0] + "\n"}));
+    }
+    EXPECT_FALSE(std::filesystem::exists(set.file("m.h5")));
+}
+
+TEST_F(Merge, a_block_that_cannot_be_read_is_named_with_its_file)
+{
+    {
+        auto domain = vak::store::File::update(set.domains(3)[1]);
+        const std::string block = "constant/identifiers/NODE/vakblock";
+        ASSERT_GE(H5Ldelete(*domain.root(), (block + "/entid").c_str(), H5P_DEFAULT), 0);
+        domain.close();
+    }
+    const Said said = set.merge(3);
+    EXPECT_EQ(said.status, 2);
+    EXPECT_THAT(said.err,
+                AllOf(HasSubstr("\nVAK ERROR reading \"identifiers\" block pass 2 - error code = -6002 \n"),
+                      HasSubstr("\nvak merge: " + set.domains(3)[1] +
+                                ": reading constant/identifiers/NODE/vakblock failed: "),
+                      EndsWith("the merge stopped with status -6002 and nothing was written. Mend or leave "
+                               "out that domain and merge again\n")));
+    EXPECT_EQ(files(), sources);
+}
+
+TEST_F(Merge, a_group_that_cannot_be_listed_is_told_with_the_file)
+{
+    std::string bytes = contents(set.domains(3)[2]);
+    // Each group's list of links is looked for by this sign.
+    for (size_t at = bytes.size() / 2; (at = bytes.find("SNOD", at)) != std::string::npos; ++at)
+        bytes.replace(at, 4, "XXXX");
+    write_text(set.domains(3)[2], bytes);
+    const Said said = set.merge(3);
+    EXPECT_EQ(said.status, 2);
+    EXPECT_THAT(said.err, HasSubstr("domain-2.h5: the blocks could not all be listed; the file is damaged"));
     EXPECT_EQ(files(), sources);
 }
 

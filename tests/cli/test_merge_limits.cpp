@@ -86,6 +86,37 @@ protected:
                 names.push_back(entry.path().filename());
         return names;
     }
+    // A merge whose report fills a pipe that nobody reads, so that it waits in the midst of its work.
+    struct Waiting {
+        pid_t process;
+        int report;
+    };
+    Waiting start_waiting(const std::vector<std::string>& domains, bool ignores_hangup = false) const
+    {
+        int report[2];
+        EXPECT_EQ(pipe(report), 0);
+        fcntl(report[1], F_SETPIPE_SZ, 4096);
+        const pid_t child = fork();
+        if (child == 0) {
+            const rlimit no_core{0, 0};
+            setrlimit(RLIMIT_CORE, &no_core);
+            if (ignores_hangup) signal(SIGHUP, SIG_IGN);
+            dup2(report[1], 1);
+            ::close(report[0]);
+            ::close(report[1]);
+            std::vector<std::string> all = arguments(domains, {"-v"});
+            std::vector<char*> argv{const_cast<char*>(VAK_PROGRAM)};
+            for (std::string& argument : all) argv.push_back(argument.data());
+            argv.push_back(nullptr);
+            execv(argv[0], argv.data());
+            _exit(127);
+        }
+        ::close(report[1]);
+        pollfd waiting{report[0], POLLIN, 0};
+        EXPECT_EQ(poll(&waiting, 1, -1), 1);
+        return {child, report[0]};
+    }
+
     // Every node once, with the value that all its domains give it.
     void expect_merged(int nodes, int state) const
     {
@@ -197,57 +228,58 @@ TEST(MergeProgressLines, of_a_file_that_fails_nothing_is_told)
 
 TEST_F(MergeLimits, a_full_disk_is_told_and_leaves_neither_target_nor_temporary_file)
 {
-    const auto domains = write_domains(4, 20000);
-    const auto all = arguments(domains);
-    for (const rlim_t size : {2'000, 100'000, 400'000}) {
-        const TempFolder said_folder;
-        rlimit before{};
-        getrlimit(RLIMIT_FSIZE, &before);
-        const rlimit small{size, before.rlim_max};
-        setrlimit(RLIMIT_FSIZE, &small);
-        const auto handler = signal(SIGXFSZ, SIG_IGN);
-        const pid_t child = start(all, said_folder);
-        setrlimit(RLIMIT_FSIZE, &before);
-        const Said said = finish(child, said_folder);
-        signal(SIGXFSZ, handler);
-        EXPECT_EQ(said.status, 2) << size;
-        EXPECT_THAT(said.err, ContainsRegex("\nvak merge: [^\n]*(disk|written)[^\n]*\n$")) << size;
-        EXPECT_THAT(others_than(domains), ElementsAre()) << size;
+    const auto domains = write_domains(5, 20000);
+    for (const char* const at_once : {"5", "4"}) {  // in one round, in two
+        const auto all = arguments(domains, {"--at-once", at_once});
+        for (const rlim_t size : {2'000, 100'000, 400'000, 500'000}) {
+            const TempFolder said_folder;
+            rlimit before{};
+            getrlimit(RLIMIT_FSIZE, &before);
+            const rlimit small{size, before.rlim_max};
+            setrlimit(RLIMIT_FSIZE, &small);
+            const auto handler = signal(SIGXFSZ, SIG_IGN);
+            const pid_t child = start(all, said_folder);
+            setrlimit(RLIMIT_FSIZE, &before);
+            const Said said = finish(child, said_folder);
+            signal(SIGXFSZ, handler);
+            EXPECT_EQ(said.status, 2) << size;
+            EXPECT_THAT(said.err, ContainsRegex("\nvak merge: [^\n]*(disk|written)[^\n]*\n$")) << size;
+            EXPECT_THAT(said.err, testing::Not(HasSubstr("HDF5:"))) << size;
+            EXPECT_THAT(others_than(domains), ElementsAre()) << size;
+        }
+        EXPECT_EQ(vak_says(all).status, 0) << "with room it works";
+        std::filesystem::remove(file("merged.h5"));
     }
-    EXPECT_EQ(vak_says(all).status, 0) << "with room it works";
 }
 
-// The report fills a pipe that nobody reads, so the program waits in the midst of its work.
-TEST_F(MergeLimits, an_interrupt_in_the_midst_of_a_merge_leaves_no_temporary_file)
+TEST_F(MergeLimits, a_signal_in_the_midst_of_a_merge_leaves_no_temporary_file)
 {
     const auto domains = write_domains(2, 5, 100);
-    for (const int ending : {SIGINT, SIGTERM}) {
-        int report[2];
-        ASSERT_EQ(pipe(report), 0);
-        fcntl(report[1], F_SETPIPE_SZ, 4096);
-        const pid_t child = fork();
-        if (child == 0) {
-            dup2(report[1], 1);
-            ::close(report[0]);
-            ::close(report[1]);
-            std::vector<std::string> all = arguments(domains, {"-v"});
-            std::vector<char*> argv{const_cast<char*>(VAK_PROGRAM)};
-            for (std::string& argument : all) argv.push_back(argument.data());
-            argv.push_back(nullptr);
-            execv(argv[0], argv.data());
-            _exit(127);
-        }
-        ::close(report[1]);
-        pollfd waiting{report[0], POLLIN, 0};
-        ASSERT_EQ(poll(&waiting, 1, -1), 1);
+    for (const int ending : {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGPIPE, SIGXCPU}) {
+        const Waiting merge = start_waiting(domains);
         EXPECT_EQ(others_than(domains).size(), 1U) << "the temporary file is there";
-        kill(child, ending);
+        kill(merge.process, ending);
         int status = 0;
-        waitpid(child, &status, 0);
-        ::close(report[0]);
+        waitpid(merge.process, &status, 0);
+        ::close(merge.report);
         EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == ending) << status;
         EXPECT_THAT(others_than(domains), ElementsAre());
     }
+}
+
+// As under nohup.
+TEST_F(MergeLimits, a_signal_that_is_to_be_ignored_ends_nothing)
+{
+    const auto domains = write_domains(2, 5, 100);
+    const Waiting merge = start_waiting(domains, true);
+    kill(merge.process, SIGHUP);
+    char some[4096];
+    while (read(merge.report, some, sizeof some) > 0) continue;
+    ::close(merge.report);
+    int status = -1;
+    waitpid(merge.process, &status, 0);
+    EXPECT_EQ(status, 0);
+    expect_merged(9, 100);
 }
 
 TEST_F(MergeLimits, little_memory_means_fewer_files_at_once)

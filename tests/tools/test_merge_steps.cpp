@@ -212,12 +212,25 @@ TEST_P(MergeSteps, tell_of_a_file_without_blocks_at_every_level)
     add_full_domain();
     EXPECT_EQ(merge(4), 0);
     EXPECT_EQ(printed().out, " WARNING file [0]:  NO        VAK blocks found\n");
-    EXPECT_EQ(printed().err, std::string("\nVAK WARNING file [0]: \"vakheader\" not found\n"
-                                         "\nVAK WARNING - files maybe incompatible\n") +
-                                 (legacy() ? "\nVAK WARNING file [0]: no \"variables\" blocks found\n"
-                                           : "\nVAK WARNING file [0]: no \"variablegroup\" blocks found\n"
-                                             "\nVAK WARNING file [0]: no \"variable\" blocks found\n") +
-                                 "\nVAK WARNING file [0]: no \"text\" blocks found\n");
+    EXPECT_EQ(printed().err,
+              "\nVAK WARNING file [0]: \"vakheader\" not found\n"
+              "\nVAK WARNING - files maybe incompatible\n");
+}
+
+// Many files have no text or no groups, so that it is told in the report alone.
+TEST_P(MergeSteps, tell_of_shared_kinds_that_the_first_file_lacks_above_level_zero)
+{
+    put_header(add_domain());
+    EXPECT_EQ(merge(1 + 4), 0);
+    EXPECT_EQ(printed().err,
+              std::string(legacy() ? "\nVAK WARNING file [0]: no \"variables\" blocks found\n"
+                                   : "\nVAK WARNING file [0]: no \"variablegroup\" blocks found\n"
+                                     "\nVAK WARNING file [0]: no \"variable\" blocks found\n") +
+                  "\nVAK WARNING file [0]: no \"text\" blocks found\n");
+    restart();
+    put_header(add_domain());
+    EXPECT_EQ(merge(4), 0);
+    EXPECT_EQ(printed(), nothing_printed);
 }
 
 TEST_P(MergeSteps, warn_of_numbers_that_cannot_be_read)
