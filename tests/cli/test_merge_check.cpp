@@ -4,11 +4,11 @@
 #include <gmock/gmock.h>
 #include <hdf5.h>
 
-#include <CLI/CLI.hpp>
 #include <filesystem>
 #include <functional>
 
-#include "commands.h"
+#include "import/part_file.h"
+#include "merge/rounds.h"
 #include "problem.h"
 #include "samples/activflags.h"
 #include "samples/attributes.h"
@@ -117,14 +117,15 @@ protected:
     std::string merge()
     {
         std::filesystem::remove(file("merged.h5"));
-        std::string arguments = "merge -o " + file("merged.h5");
-        for (const std::string& name : domains) arguments += " " + file(name);
-        CLI::App app;
-        cli::add_merge(app);
+        std::vector<std::string> names;
+        for (const std::string& name : domains) names.push_back(file(name));
         std::string said;
         testing::internal::CaptureStderr();
         try {
-            app.parse(arguments);
+            import::PartFile part(file("merged.h5"));
+            merge::Progress progress(1);
+            merge::merge_in_rounds(names, part.path(), file("merged.h5"), "run", {}, names.size(), progress);
+            part.complete();
         } catch (const cli::Problem& problem) {
             said = problem.what();
         }
