@@ -180,6 +180,7 @@ int32_t state_count(const Block& io, const char* values)
 
 void read_state_count(Block& io, const char* values, Arg<int32_t> nstate)
 {
+    io.shared.expects_chunks = true;
     if (io.stopped) return;
     if (stored_states(io, values) == none && has_state_count(io)) return integer(io, "nstate", nstate);
     *nstate = state_count(io, values);

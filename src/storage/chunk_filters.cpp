@@ -115,7 +115,9 @@ bool ChunkCodec::decode(const StoredChunk& stored, unsigned char* values)
         if ((stored.mask >> i & 1) == 0) steps.push_back(filters_.steps[i]);
     }
     const bool packed = !steps.empty() && steps[0].id == H5Z_FILTER_SCALEOFFSET;
-    const size_t between = packed ? scale_offset_limit(filters_.scale_offset) : chunk_size_;
+    // What another program deflated once more may have become longer by the first time.
+    const size_t first = packed ? scale_offset_limit(filters_.scale_offset) : chunk_size_;
+    const size_t between = first + first / 8 + 64;
     StoredChunk chunk = stored;
     for (size_t i = steps.size(); i-- > 0;) {
         unsigned char* to = i == 0 ? values : buffers_[i % 2].room(between);

@@ -9,7 +9,6 @@ namespace vak {
 namespace {
 
 constexpr hsize_t fewest_filtered = 8;
-constexpr hsize_t fewest_uncached = 64;
 constexpr hsize_t shortest_chunk = 1000;
 constexpr hsize_t longest_chunk = 2000;
 constexpr hsize_t largest_chunk_bytes = 0xFFFFFFFF;  // of HDF5
@@ -78,15 +77,15 @@ bool covers(const Part& part, std::span<const hsize_t> extents)
     return true;
 }
 
-bool reads_in_runs(const Part& part, const hsize_t* dims)
+bool in_runs(const Part& part, std::span<const hsize_t> extents)
 {
-    if (part.mode != hyperslab || dims == nullptr) return false;
+    if (part.mode != hyperslab) return false;
     bool inside_run = false;
     for (size_t i = 1; i < part.counts().size(); ++i) {
-        if (inside_run && part.count[i] != dims[i]) return false;
+        if (inside_run && part.count[i] != extents[i]) return false;
         inside_run = inside_run || part.count[i] > 1;
     }
-    return elements_of(part.counts(), 1).value_or(0) >= fewest_uncached;
+    return true;
 }
 
 bool select(hid_t space, const Part& part)

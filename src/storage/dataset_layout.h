@@ -53,9 +53,8 @@ Part part_of(int32_t mode, const hsize_t* dims, int32_t rank, const hsize_t* cou
 // Whether a slab is all there is, so that nothing needs to be selected.
 bool covers(const Part& part, std::span<const hsize_t> extents);
 
-// Whether a slab of a dataset of these extents is one run of values in each chunk, or a few: reading that
-// past the chunk cache saves a copy, where other slabs would be read value by value.
-bool reads_in_runs(const Part& part, const hsize_t* dims);
+// Whether a slab of a dataset of these extents is one run of values in each chunk, or a few.
+bool in_runs(const Part& part, std::span<const hsize_t> extents);
 
 // Selects the part in the file's space; false when HDF5 refuses.
 bool select(hid_t space, const Part& part);

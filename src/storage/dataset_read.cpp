@@ -111,6 +111,7 @@ Direct read_by_chunks(const DatasetRead& r, const Source& source)
                         .data_size = r.data_size,
                         .memory_type = r.memory_type,
                         .part = r.part,
+                        .has_bare_chunks = source.layout.has_bare_chunks,
                         .extents = source.shape(),
                         .maximum = {source.maximum.data(), source.rank}},
                        r.data);
@@ -156,6 +157,15 @@ int32_t open_space(DatasetRead& r, Source& source)
     return check_part(r, source);
 }
 
+// HDF5 gives a chunk in its cache as much memory as a damaged file notes for it, and reads as much from there
+// as the chunk has. Chunks without filters need no cache: past it they are read from where they stand.
+bool open_past_cache(const DatasetRead& r, Source& source, hid_t location, hid_t access)
+{
+    source.dataset.close();
+    source.dataset = Dataset(access < 0 ? access : H5Dopen2(location, r.name, access));
+    return source.dataset.valid();
+}
+
 int32_t read_opened(DatasetRead& r, Source& source)
 {
     if (!source.layout.is_usable) return fail(r, 999, -1);
@@ -184,13 +194,20 @@ int32_t VAK_H5Dread(const char* name, void* data, int32_t type, size_t data_size
     if (has_entry(r.part.counts(), 0)) return 0;
     int32_t type_class;
     if (VAK_H5gettype(type, data_size, &type_class, &r.memory_type) < 0) return fail(r, 1, -1);
-    const bool past_cache = location.shared != nullptr && reads_in_runs(r.part, dims);
-    Dataset dataset(H5Dopen2(location.id, name, past_cache ? location.shared->uncached() : H5P_DEFAULT));
+    SharedIds own;
+    SharedIds& ids = location.shared != nullptr ? *location.shared : own;
+    // What is read in part is chunked as a rule.
+    const bool past_cache = r.part.mode != whole_dataset || ids.expects_chunks;
+    Dataset dataset(H5Dopen2(location.id, name, past_cache ? ids.uncached() : H5P_DEFAULT));
     if (!dataset.valid()) return fail(r, 2, -1);
     FoundType found(H5Dget_type(dataset.get()));
     if (found.type_class != type_class) return fail(r, 3, found.type_class);
     if (const int32_t status = check_size(r, found.size)) return status;
     Source source(std::move(dataset), std::move(found));
+    ids.expects_chunks = ids.expects_chunks || source.layout.has_bare_chunks;
+    if (source.layout.has_bare_chunks && !past_cache &&
+        !open_past_cache(r, source, location.id, ids.uncached()))
+        return fail(r, 2, -1);
     return read_opened(r, source);
 }
 

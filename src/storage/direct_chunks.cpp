@@ -9,9 +9,14 @@
 namespace vak {
 namespace {
 
-// Below these the look at the dataset's layout costs more than HDF5's filters and its chunk cache.
+// Below these, on writing, the look at the dataset's layout costs more than HDF5's filters and its chunk
+// cache.
 constexpr size_t fewest_bytes_filtered = 2048;
 constexpr size_t fewest_bytes_unfiltered = size_t{64} * 1024;
+
+// Of what is read in parts: fewer values HDF5 reads as well one by one, and from larger chunks than these.
+constexpr hsize_t fewest_scattered = 64;
+constexpr size_t largest_scattered = size_t{1024} * 1024;
 
 // Whether both sides have elements that we can pass on, in the byte order of this machine.
 bool forms_match(const ChunkTransfer& t, const ChunkedDataset& chunks)
@@ -52,12 +57,27 @@ bool may_pay(const ChunkTransfer& t)
 }
 
 // HDF5 finds its points itself, unless it could not read or must not write their chunks.
-// Without filters only whole chunks are worth the way: HDF5 moves parts of them from where they are.
-bool is_ours(const ChunkTransfer& t, const ChunkedDataset& chunks)
+// Without filters only whole chunks are worth writing: HDF5 moves parts of them from where they are.
+bool writes(const ChunkTransfer& t, const ChunkedDataset& chunks)
 {
     if (!chunks.is_ours() || !forms_match(t, chunks)) return false;
     if (t.part.mode == point_list) return chunks.has_scale_offset() || t.repacks;
     return chunks.is_filtered() || takes_whole_chunks(t, chunks);
+}
+
+// Filtered chunks are unpacked here, since HDF5 takes what comes out of a filter for a chunk whatever its
+// length. Chunks without filters HDF5 reads from where they stand, past its cache: value by value where they
+// are not in runs, for which whole chunks are read instead.
+bool reads(const ChunkTransfer& t, const ChunkedDataset& chunks)
+{
+    if (!chunks.is_ours() || !forms_match(t, chunks)) return false;
+    return chunks.is_filtered() || chunks.chunk_bytes() <= largest_scattered;
+}
+
+bool is_scattered(const ChunkTransfer& t)
+{
+    return t.part.mode != whole_dataset && !in_runs(t.part, t.extents) &&
+           elements_of(t.part.counts(), 1).value_or(0) >= fewest_scattered;
 }
 
 hid_t own_list(const ChunkTransfer& t) { return t.list_is_its_own ? t.list : H5I_INVALID_HID; }
@@ -70,15 +90,15 @@ Direct write_chunks(const ChunkTransfer& t, const void* data)
 {
     if (!may_pay(t)) return Direct::left;
     ChunkedDataset chunks(t.dataset, own_list(t), t.extents);
-    if (!is_ours(t, chunks)) return Direct::left;
+    if (!writes(t, chunks)) return Direct::left;
     return outcome(t.part.mode == point_list ? write_points(t, chunks, data) : write_box(t, chunks, data));
 }
 
 Direct read_chunks(const ChunkTransfer& t, void* data)
 {
-    if (!may_pay(t)) return Direct::left;
+    if (first_filter(t) < 0 && !(t.has_bare_chunks && is_scattered(t))) return Direct::left;
     ChunkedDataset chunks(t.dataset, own_list(t), t.extents);
-    if (!is_ours(t, chunks)) return Direct::left;
+    if (!reads(t, chunks)) return Direct::left;
     return outcome(t.part.mode == point_list ? read_points(t, chunks, data) : read_box(t, chunks, data));
 }
 

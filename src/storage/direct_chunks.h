@@ -20,6 +20,7 @@ struct ChunkTransfer {
     size_t data_size = 0;
     hid_t memory_type = H5I_INVALID_HID;
     Part part{};
+    bool has_bare_chunks = false;        // on reading: known to be chunked, without filters
     std::span<const hsize_t> extents{};  // of the dataset, as they are now
     std::span<const hsize_t> maximum{};  // what they can become
     std::span<const hsize_t> before{};   // what they were before this call: behind them there is no chunk yet

@@ -8,23 +8,25 @@ namespace {
 constexpr uint64_t external_files_message = uint64_t{1} << 7;
 constexpr uint64_t filters_message = uint64_t{1} << 11;
 
-bool has_storage_of_its_own(hid_t dataset)
+// What is asked of contiguous, chunked and compact datasets in turn. A virtual dataset says no to each, as
+// others do before anything is written.
+H5D_layout_t layout_with_storage(hid_t dataset)
 {
-    // The first answers for contiguous datasets, the second for chunked ones, the third for compact ones. A
-    // virtual dataset says no to each, as others do before anything is written.
     const hsize_t origin[H5S_MAX_RANK] = {};
     hsize_t chunk_bytes;
-    return H5Dget_offset(dataset) != HADDR_UNDEF ||
-           H5Dget_chunk_storage_size(dataset, origin, &chunk_bytes) >= 0 || H5Dget_storage_size(dataset) > 0;
+    if (H5Dget_offset(dataset) != HADDR_UNDEF) return H5D_CONTIGUOUS;
+    if (H5Dget_chunk_storage_size(dataset, origin, &chunk_bytes) >= 0) return H5D_CHUNKED;
+    return H5Dget_storage_size(dataset) > 0 ? H5D_COMPACT : H5D_LAYOUT_ERROR;
 }
 
-// Whether it has neither filters nor values elsewhere, asked at a tenth of the price of its creation list.
-bool surely_plain(hid_t dataset)
+// The layout of a dataset that has neither filters nor values elsewhere, asked at a tenth of the price of its
+// creation list; an error where this cannot be told.
+H5D_layout_t plain_layout(hid_t dataset)
 {
     H5O_native_info_t info;
-    if (H5Oget_native_info(dataset, &info, H5O_NATIVE_INFO_HDR) < 0) return false;
+    if (H5Oget_native_info(dataset, &info, H5O_NATIVE_INFO_HDR) < 0) return H5D_LAYOUT_ERROR;
     const uint64_t in_the_way = info.hdr.mesg.present & (external_files_message | filters_message);
-    return in_the_way == 0 && has_storage_of_its_own(dataset);
+    return in_the_way == 0 ? layout_with_storage(dataset) : H5D_LAYOUT_ERROR;
 }
 
 bool known_filter(H5Z_filter_t filter)
@@ -49,10 +51,13 @@ bool known_filters(hid_t list, int number)
 
 FoundLayout::FoundLayout(hid_t dataset)
 {
-    if (surely_plain(dataset)) return;
+    const H5D_layout_t plain = plain_layout(dataset);
+    has_bare_chunks = plain == H5D_CHUNKED;
+    if (plain != H5D_LAYOUT_ERROR) return;
     list = Properties(H5Dget_create_plist(dataset));
     filters = H5Pget_nfilters(list.get());
     const H5D_layout_t layout = H5Pget_layout(list.get());
+    has_bare_chunks = layout == H5D_CHUNKED && filters == 0;
     is_usable = layout != H5D_LAYOUT_ERROR && layout != H5D_VIRTUAL &&
                 H5Pget_external_count(list.get()) == 0 && filters >= 0 && known_filters(list.get(), filters);
 }

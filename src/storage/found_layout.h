@@ -8,9 +8,10 @@ namespace vak {
 struct FoundLayout {
     explicit FoundLayout(hid_t dataset);
 
-    Properties list;        // only where filters were found, or could not be ruled out by less
-    int filters = 0;        // how many
-    bool is_usable = true;  // its values stand in this file, behind filters that HDF5 itself brings
+    Properties list;               // only where filters were found, or could not be ruled out by less
+    int filters = 0;               // how many
+    bool has_bare_chunks = false;  // chunked, without filters
+    bool is_usable = true;         // its values stand in this file, behind filters that HDF5 itself brings
 };
 
 }  // namespace vak

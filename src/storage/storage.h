@@ -39,6 +39,9 @@ public:
     hid_t compact();          // creation list of datasets kept in their object header
     hid_t uncached();         // access list of datasets without a chunk cache
 
+    // Set where the next datasets are chunked as a rule: these are then read without opening them twice.
+    bool expects_chunks = false;
+
 private:
     struct Text {
         Type type;

@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "storage/storage.h"
+
 namespace vak {
 
 namespace {
@@ -116,7 +118,8 @@ bool same_values(const Dataset& a, const Dataset& b, const Type& type, const Spa
 
 bool same_dataset(hid_t a, hid_t b, const char* name)
 {
-    const Dataset of_a(H5Dopen2(a, name, H5P_DEFAULT)), of_b(H5Dopen2(b, name, H5P_DEFAULT));
+    SharedIds ids;
+    const Dataset of_a(H5Dopen2(a, name, ids.uncached())), of_b(H5Dopen2(b, name, ids.uncached()));
     const Type type_a(H5Dget_type(of_a.get())), type_b(H5Dget_type(of_b.get()));
     const Space space_a(H5Dget_space(of_a.get())), space_b(H5Dget_space(of_b.get()));
     return same_form(type_a, type_b, space_a, space_b) && same_values(of_a, of_b, type_a, space_a);

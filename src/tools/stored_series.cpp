@@ -75,7 +75,8 @@ bool has_plausible_chunks(const StoredSeries& s)
 
 bool open_series(StoredSeries& s)
 {
-    s.dataset = Dataset(H5Dopen2(s.group, s.name, H5P_DEFAULT));
+    // What is opened again to be read shares the cache, and must have none.
+    s.dataset = Dataset(H5Dopen2(s.group, s.name, SharedIds().uncached()));
     if (!s.dataset.valid()) return false;
     s.type = Type(H5Dget_type(s.dataset.get()));
     s.creation = Properties(H5Dget_create_plist(s.dataset.get()));

@@ -172,8 +172,7 @@ TEST_F(DatasetLayout, slabs_that_are_runs_are_told_from_others)
 {
     const Dims extents{50, 2000, 3}, start{0, 0, 0};
     const auto in_runs = [&](const Dims& count) {
-        return reads_in_runs(part_of(hyperslab, extents.data(), 3, count.data(), start.data()),
-                             extents.data());
+        return vak::in_runs(part_of(hyperslab, extents.data(), 3, count.data(), start.data()), extents);
     };
     EXPECT_TRUE(in_runs({50, 1, 3}));     // history of an entity
     EXPECT_TRUE(in_runs({50, 2, 3}));     // of two
@@ -181,8 +180,7 @@ TEST_F(DatasetLayout, slabs_that_are_runs_are_told_from_others)
     EXPECT_TRUE(in_runs({64, 1, 1}));     // history of one component
     EXPECT_FALSE(in_runs({1, 2000, 1}));  // one component of a state
     EXPECT_FALSE(in_runs({50, 2000, 2}));
-    EXPECT_FALSE(in_runs({10, 1, 3}));  // not worth it
-    EXPECT_FALSE(reads_in_runs(part_of(whole_dataset, extents.data(), 3, nullptr, nullptr), extents.data()));
+    EXPECT_FALSE(vak::in_runs(part_of(whole_dataset, extents.data(), 3, nullptr, nullptr), extents));
 }
 
 }  // namespace
