@@ -65,4 +65,6 @@ int32_t VAK_H5Dread(const char*, void*, int32_t, size_t, const hsize_t*, int32_t
     return step();
 }
 
+int32_t refuse_reading(const char*, int32_t, size_t) { return test::step_failure; }
+
 }  // namespace vak
