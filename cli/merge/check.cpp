@@ -8,6 +8,7 @@
 
 #include "merge/expected.h"
 #include "problem.h"
+#include "store/integers.h"
 
 namespace vak::merge {
 
@@ -81,13 +82,21 @@ private:
         if (fate_of(entry.key) == Fate::unknown) return;
         const auto at = expected_.find(entry.path);
         if (at != expected_.end() && fate_of(entry.key) != Fate::joined) return;
-        const show::BlockView block =
-            show::view(domains_.files[domain], entry, {.layout = domains_.layout()});
+        const show::BlockView block = read_attributes(domain, entry);
         Expected& all = at != expected_.end()
                             ? at->second
                             : expected_.emplace(entry.path, Expected{block, {}}).first->second;
         if (shape_of(block) == shape_of(all.lowest))
             all.parts.push_back({domain, &entry, entities_of(block)});
+    }
+
+    show::BlockView read_attributes(size_t domain, const store::BlockEntry& entry) const
+    {
+        try {
+            return show::view(domains_.files[domain], entry, {.layout = domains_.layout()});
+        } catch (const cli::Problem& problem) {
+            throw cli::Problem(domains_.names[domain] + ": " + problem.what());
+        }
     }
 
     const store::BlockEntry& entry_at(const std::string& path) const
@@ -206,12 +215,20 @@ private:
         elements.insert(elements.end(), ids.begin(), ids.end());
     }
 
+    // Quickly, if they can be had so; the library's readers look at much more of the block.
+    Ids identifiers(const Expected::Part& part) const
+    {
+        const store::File& file = domains_.files[part.domain];
+        const std::string array = identifiers_of(part.entry->key);
+        Ids ids(static_cast<size_t>(part.entities));
+        if (store::read_integers(file, part.entry->path, domains_.layout(), array, ids)) return ids;
+        return values_of<int32_t>(read_part(file, *part.entry), array);
+    }
     Ids entities_in(const Expected& expected) const
     {
         Ids all;
         for (const Expected::Part& part : expected.parts) {
-            const auto block = read_part(domains_.files[part.domain], *part.entry);
-            const Ids ids = values_of<int32_t>(block, identifiers_of(part.entry->key));
+            const Ids ids = identifiers(part);
             all.insert(all.end(), ids.begin(), ids.end());
         }
         sort_out(all);

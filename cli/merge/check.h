@@ -12,6 +12,7 @@ namespace vak::merge {
 
 // The domain files, open, with what they hold.
 struct Domains {
+    std::vector<std::string> names;
     std::deque<store::File> files;
     std::vector<vak_id> roots;
     std::vector<store::Catalogue> catalogues;

@@ -50,6 +50,7 @@ Domains open_all(const std::vector<Source>& sources)
 {
     Domains domains;
     for (const Source& source : sources) {
+        domains.names.push_back(source.file);
         const store::File& file = domains.files.emplace_back(store::File::open(source.file));
         domains.roots.push_back(*file.root());
         domains.catalogues.push_back(list(file, source.file));
@@ -63,13 +64,13 @@ Domains open_all(const std::vector<Source>& sources)
 }
 
 // The library's line tells the kind of a block that cannot be read: this one finds out which it is.
-std::string unreadable_block(const Domains& domains, const std::vector<Source>& sources)
+std::string unreadable_block(const Domains& domains)
 {
-    for (size_t i = 0; i < sources.size(); ++i)
+    for (size_t i = 0; i < domains.files.size(); ++i)
         for (const store::BlockEntry& entry : domains.catalogues[i].blocks) try {
                 show::view(domains.files[i], entry, {.layout = domains.layout(), .values = true});
             } catch (const cli::Problem& problem) {
-                return sources[i].file + ": " + problem.what();
+                return domains.names[i] + ": " + problem.what();
             }
     return {};
 }
@@ -77,21 +78,21 @@ std::string unreadable_block(const Domains& domains, const std::vector<Source>& 
 // Status of the library's readers; writers have others.
 bool is_of_reading(int32_t status) { return status < -4000 || status == -123; }
 
-[[noreturn]] void refuse(int32_t status, const Domains& domains, const std::vector<Source>& sources)
+[[noreturn]] void refuse(int32_t status, const Domains& domains)
 {
     const std::string stopped = "the merge stopped with status " + std::to_string(status);
-    const std::string block = is_of_reading(status) ? unreadable_block(domains, sources) : "";
+    const std::string block = is_of_reading(status) ? unreadable_block(domains) : "";
     if (!block.empty())
         throw cli::Problem(block + "; " + stopped +
                            " and nothing was written. Mend or leave out that domain and merge again");
-    throw cli::Problem(stopped +
-                       "; the lines above tell at what kind of block. Nothing was written; mend or "
-                       "leave out a domain that they name, or make room on the disk, and merge again");
+    throw cli::Problem(
+        stopped + "; the lines above tell at what kind of block, where file [0] is " + domains.names.front() +
+        ". Nothing was written; mend or leave out a domain that they name, or make room on the "
+        "disk, and merge again");
 }
 
 // The library's own lines go to standard error as they come.
-void merge_open(const Domains& domains, const std::vector<Source>& sources, const store::File& target,
-                const Settings& settings)
+void merge_open(const Domains& domains, const store::File& target, const Settings& settings)
 {
     const Exponents& e = settings.exponents;
     const auto n = static_cast<int32_t>(domains.roots.size());
@@ -100,7 +101,7 @@ void merge_open(const Domains& domains, const std::vector<Source>& sources, cons
     (current ? VAK_MERGE_DMP : VAK1_MERGE_DMP)(domains.roots.data(), target.root(), &n, no_flags,
                                                no_parameters, &e.count, e.names.data(), e.values.data(),
                                                Int{options_of(settings)}, single_precision, &status);
-    if (status != 0) refuse(status, domains, sources);
+    if (status != 0) refuse(status, domains);
 }
 
 }  // namespace
@@ -130,7 +131,7 @@ void merge_files(const std::vector<Source>& sources, const std::string& file, co
     {
         const Progress::Watch watch(progress, file, bytes);
         store::File target = store::File::create(file, model);
-        merge_open(domains, sources, target, settings);
+        merge_open(domains, target, settings);
         if (settings.domain_numbers && sources.front().first_domain > 0)
             shift_domain_numbers(target, domains.catalogues, sources.front().first_domain);
         target.close();

@@ -35,7 +35,8 @@ int32_t open_sources(Join& join)
         if (block.nindex > max_index) return refuse_index(join.merge, block.nindex);
         if (agrees(join, block)) join.sources.push_back(std::move(block));
     }
-    return 0;
+    const int32_t status = join.ruling().check_needed();
+    return status == 0 ? 0 : read_failed(join.type(), 1, status);
 }
 
 void warn_of_repeats(const DomainBlock& s)

@@ -158,6 +158,7 @@ int32_t read_source(const Merge& merge, SourceBlock& s, Collectors& all)
 {
     const char* const type = "collector";
     if (const int32_t status = s.read_counts(); status != 0) return read_failed(type, 1, status);
+    if (const int32_t status = s.check_needed(); status != 0) return read_failed(type, 1, status);
     if (s.nindex > max_index) return refuse_index(merge, s.nindex);
     Lists lists;
     int32_t status = read_lists(s, lists);

@@ -131,42 +131,75 @@ constexpr Column entity_series_columns[] = {
     weight, indexident, indexval, {"res", real_type, Role::values, {"ncoo"}, true}};
 constexpr Names entities_agree[] = {"block", "ncoo", "fswitch", "dmpswitch"};
 
+constexpr Names elements_need[] = {"etypelem", "etyppart", "etypnode"};
+constexpr Names elements_need_now[] = {"etyp", "indexic"};
+constexpr Names flags_need[] = {"etyp", "indexic"};
+constexpr Names parts_need[] = {"etyppart", "off", "length", "indexic"};
+constexpr Names attributes_need[] = {"etyp"};
+constexpr Names attributes_need_now[] = {"length", "indexic"};
+constexpr Names collectors_need[] = {"etypcoll", "ntyp", "nenttot"};
+constexpr Names index_counter[] = {"indexic"};
+constexpr Names properties_need[] = {"etyp", "etypprop", "etypzone", "zoneid", "indexic"};
+constexpr Names element_results_need[] = {"etypelem", "etypvar",   "etypzone",
+                                          "zoneid",   "etypframe", "indexic"};
+constexpr Names entity_results_need[] = {"etyp", "etypvar", "etypzone", "zoneid", "etypframe"};
+constexpr Names element_series_need[] = {"series", "etypelem", "etypvar", "etypzone", "zoneid", "etypframe"};
+constexpr Names entity_series_need[] = {"series", "etyp", "etypvar", "etypzone", "zoneid", "etypframe"};
+constexpr Names flag_series_need[] = {"series", "etyp"};
+
 constexpr MergedKind kinds[] = {
     {.kind = {.key = 300, .type = "connectivities"},
      .count = "nele",
      .agreeing = connectivities_agree,
+     .needed = elements_need,
+     .needed_now = elements_need_now,
+     .variable_with = "nbfloat",
      .columns = connectivity_columns},
-    {.kind = {.key = 2100, .type = "activflags"}, .count = "nent", .columns = activation_columns},
+    {.kind = {.key = 2100, .type = "activflags"},
+     .count = "nent",
+     .needed = flags_need,
+     .columns = activation_columns},
     {.kind = {.key = 100, .type = "parts"},
      .count = "npart",
+     .needed = parts_need,
      .columns = parts_columns,
      .widens = true,
      .index_in_data = true},
     {.kind = {.key = 200, .type = "attributes"},
      .count = "nent",
+     .needed = attributes_need,
+     .needed_now = attributes_need_now,
      .columns = attribute_columns,
      .widens = true},
     {.kind = {.key = 250, .type = "identifiers"},
      .count = "nent",
+     .needed = attributes_need,
+     .needed_now = attributes_need_now,
      .columns = attribute_columns,
      .widens = true},
     {.kind = {.key = 400, .type = "collector"},
      .way = Way::collect,
      .count = "ncoll",
+     .needed = collectors_need,
+     .needed_now = index_counter,
      .columns = collector_columns},
     {.kind = {.key = 1100, .type = "elementresults", .complex_key = 1101},
      .count = "nele",
      .agreeing = elements_agree,
+     .needed = element_results_need,
      .columns = element_columns,
      .last_fswitch = 2},
     {.kind = {.key = 1000, .type = "entityresults", .complex_key = 1001},
      .count = "nent",
      .agreeing = entities_agree,
+     .needed = entity_results_need,
+     .needed_now = index_counter,
      .columns = entity_columns,
      .last_fswitch = 1},
     {.kind = {.key = 1050, .type = "multientityresults", .complex_key = 1051},
      .count = "nent",
      .agreeing = entities_agree,
+     .needed = entity_series_need,
      .columns = entity_series_columns,
      .is_series = true,
      .last_fswitch = 1},
@@ -176,17 +209,20 @@ constexpr MergedKind kinds[] = {
     {.kind = {.key = 500, .type = "properties"},
      .count = "nent",
      .agreeing = properties_agree,
+     .needed = properties_need,
      .columns = property_columns,
      .is_rare = true},
     {.kind = {.key = 1150, .type = "multielementresults", .complex_key = 1151},
      .count = "nele",
      .agreeing = elements_agree,
+     .needed = element_series_need,
      .columns = element_series_columns,
      .is_series = true,
      .last_fswitch = 2,
      .is_rare = true},
     {.kind = {.key = 2150, .type = "multiactivflags"},
      .count = "nent",
+     .needed = flag_series_need,
      .columns = activation_series_columns,
      .is_series = true,
      .is_rare = true},

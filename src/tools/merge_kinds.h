@@ -47,14 +47,17 @@ enum class Way {
 struct MergedKind {
     BlockKind kind;
     Way way = Way::join;
-    const char* count = nullptr;              // attribute: number of entities
-    std::span<const char* const> agreeing{};  // attributes in which blocks that become one must agree
-    std::span<const Column> columns{};        // in the order in which they are written
-    bool is_series = false;                   // index, flags and values have a leading axis of states
-    int32_t last_fswitch = 0;                 // of results: the largest frame switch that there is
-    bool widens = false;                      // rows take the widest of the files' shapes
-    bool index_in_data = false;               // legacy: no subgroup "index"
-    bool is_rare = false;                     // reported only where there are such blocks
+    const char* count = nullptr;                // attribute: number of entities
+    std::span<const char* const> agreeing{};    // attributes in which blocks that become one must agree
+    std::span<const char* const> needed{};      // further attributes without which no reader reads the block
+    std::span<const char* const> needed_now{};  // the same, in the current family alone
+    const char* variable_with = nullptr;        // or "etypvar" where this count is not 0
+    std::span<const Column> columns{};          // in the order in which they are written
+    bool is_series = false;                     // index, flags and values have a leading axis of states
+    int32_t last_fswitch = 0;                   // of results: the largest frame switch that there is
+    bool widens = false;                        // rows take the widest of the files' shapes
+    bool index_in_data = false;                 // legacy: no subgroup "index"
+    bool is_rare = false;                       // reported only where there are such blocks
 };
 
 // In the order in which they are merged.

@@ -55,6 +55,16 @@ static int32_t read_integer(hid_t group, const char* name, int32_t* value)
     return VAK_H5Aread(name, value, integer_type, sizeof *value, nullptr, 0, group, &stored);
 }
 
+// For the line and the code of one that is missing; names of entity types, variables and series are texts.
+static int32_t read_any(hid_t group, const char* name)
+{
+    char value[256];
+    size_t stored = 0;
+    const bool is_text = std::string_view(name).starts_with("etyp") || std::string_view(name) == "series";
+    return VAK_H5Aread(name, value, is_text ? text_type : integer_type,
+                       is_text ? sizeof value : sizeof(int32_t), nullptr, 0, group, &stored);
+}
+
 // Where HDF5 cannot say, reading will tell.
 bool SourceBlock::may_have(const char* attribute) const { return H5Aexists(attributes(), attribute) != 0; }
 
@@ -70,6 +80,17 @@ std::optional<int32_t> SourceBlock::integer_attribute(const char* name)
     int32_t value = 0;
     note(read_integer(attributes(), name, &value));
     return known->second = value;
+}
+
+int32_t SourceBlock::check_needed()
+{
+    std::vector<const char*> names(kind_.needed.begin(), kind_.needed.end());
+    if (!is_legacy_) names.insert(names.end(), kind_.needed_now.begin(), kind_.needed_now.end());
+    const bool has_variable = !is_legacy_ && kind_.variable_with != nullptr;
+    if (has_variable && integer_attribute(kind_.variable_with).value_or(0) > 0) names.push_back("etypvar");
+    for (const char* const name : names)
+        if (H5Aexists(attributes(), name) == 0) return read_any(attributes(), name);
+    return 0;
 }
 
 std::string SourceBlock::text_attribute(const char* name)

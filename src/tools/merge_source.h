@@ -38,6 +38,7 @@ public:
     std::optional<int32_t> integer_attribute(const char* name);
     std::string text_attribute(const char* name);
     int32_t attribute_status() const { return attribute_status_; }
+    int32_t check_needed();  // 0, or the code of reading one that the block has to have and has not
     const Stored& stored(const Column&);  // found once
     bool has(const Column&);              // by its counts and switches
 

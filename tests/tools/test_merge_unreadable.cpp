@@ -93,6 +93,54 @@ protected:
         lack_each_array(sample_of<S>(family()));
     }
 
+    // The same with each attribute: what the block's own reader does not read is not merged either.
+    template <class S>
+    void lack_each_attribute(const S& sample)
+    {
+        const hid_t whole = create_domain();
+        write_closed(sample, whole);
+        int lacking = 0;
+        for (const std::string& name : attributes_of(whole, sample.path() + header())) {
+            if (name == "block") continue;  // without it there is no block
+            SCOPED_TRACE(std::string(S::type) + " without " + name);
+            restart();
+            const hid_t domain = add_domain();
+            write_closed(sample, domain);
+            EXPECT_GE(
+                H5Adelete_by_name(domain, (sample.path() + header()).c_str(), name.c_str(), H5P_DEFAULT), 0);
+            S read = sample;
+            bool is_needed = false;
+            {
+                const ObjectId block = open_object(domain, sample.path());
+                call([&] { is_needed = read.read(block, everything<S>(legacy())) < 0; });
+            }
+            if (is_needed && name != "nuid") {
+                expect_failure(reading(S::type, 1), -4002);
+                ++lacking;
+            } else {
+                EXPECT_EQ(merge(), 0) << printed();
+            }
+        }
+        EXPECT_GT(lacking, 2);
+        H5Fclose(whole);
+    }
+    template <class S>
+    void lack_each_attribute()
+    {
+        lack_each_attribute(sample_of<S>(family()));
+    }
+    static std::vector<std::string> attributes_of(hid_t file, const std::string& group)
+    {
+        std::vector<std::string> names;
+        hsize_t at = 0;
+        const auto visit = [](hid_t, const char* name, const H5A_info_t*, void* found) {
+            static_cast<std::vector<std::string>*>(found)->emplace_back(name);
+            return herr_t{0};
+        };
+        H5Aiterate2(open_object(file, group), H5_INDEX_NAME, H5_ITER_INC, &at, visit, &names);
+        return names;
+    }
+
     void damage_chunk(hid_t domain, const std::string& path) const
     {
         const ObjectId dataset = open_object(domain, path);
@@ -146,6 +194,21 @@ TEST_P(MergeUnreadable, is_a_block_that_lacks_an_array)
     if (legacy()) return;
     lack_each_array<Identifiers>();
     lack_each_array<Properties>();
+}
+
+TEST_P(MergeUnreadable, is_a_block_that_lacks_an_attribute)
+{
+    lack_each_attribute<EntityResults>();
+    lack_each_attribute<ElementResults>();
+    lack_each_attribute(MultiEntityResults::of_states(family(), 2));
+    lack_each_attribute<ActivFlags>();
+    lack_each_attribute<Connectivities>();
+    lack_each_attribute<Parts>();
+    lack_each_attribute<Attributes>();
+    lack_each_attribute<Collector>();
+    lack_each_attribute<MultiActivFlags>();
+    lack_each_attribute<MultiElementResults>();
+    if (!legacy()) lack_each_attribute<Identifiers>();
 }
 
 TEST_P(MergeUnreadable, is_a_result_with_a_frame_switch_that_there_is_not)
