@@ -15,6 +15,7 @@
 #include "samples/multientityresults.h"
 #include "support/block_test.h"
 #include "support/faults.h"
+#include "support/root_group.h"
 
 namespace vak::test {
 
@@ -49,21 +50,11 @@ class FullDisk : public LibraryTest, public testing::WithParamInterface<StateKin
 protected:
     static constexpr int32_t before = 3, after = 6;
 
-    static vak_id open(const std::string& name, int32_t option)
-    {
-        const auto length = static_cast<int32_t>(name.size());
-        const int32_t none = 0;
-        vak_id group = H5I_INVALID_HID;
-        int32_t ierr = 0;
-        VAK_OPEN(name.data(), &length, "", &none, "", &none, &group, &none, &option, &ierr);
-        return ierr == 0 ? group : H5I_INVALID_HID;
-    }
+    static vak_id open(const std::string& name, int32_t option) { return open_root(name, option); }
     static int32_t close(vak_id group)
     {
         const Flushing now;
-        int32_t ierr = 0;
-        VAK_CLOSE(&group, &ierr);
-        return ierr;
+        return close_root(group);
     }
 
     // Whether every call succeeded.

@@ -4,12 +4,14 @@
 
 #include "catalogue/catalogue_test.h"
 #include "support/memory_limit.h"
+#include "support/root_group.h"
 
 namespace vak::test {
 
 namespace {
 
 constexpr int blocks_of_a_state = 10;
+constexpr int32_t read_only = 10;
 
 std::string state_of(int number)
 {
@@ -35,16 +37,6 @@ protected:
         return close_file();
     }
 
-    static vak_id opened_to_read(const std::string& name)
-    {
-        const auto length = static_cast<int32_t>(name.size());
-        const int32_t none = 0, option = 10;
-        vak_id root = 0;
-        int32_t ierr = 0;
-        VAK_OPEN(name.data(), &length, "", &none, "", &none, &root, &none, &option, &ierr);
-        return root;
-    }
-
     static bool lists_all(vak_id start, int count)
     {
         List list;
@@ -66,7 +58,7 @@ protected:
         const size_t path = state_of(0).size() + block(name_of(0)).size() + 2;
         const size_t list = static_cast<size_t>(count) * (path + sizeof(int32_t) + sizeof(int64_t));
         const Limited limited = with_memory(2 * list + (size_t{24} << 20),
-                                            [&] { return lists_all(opened_to_read(name), count); });
+                                            [&] { return lists_all(open_root(name, read_only), count); });
         EXPECT_TRUE(limited.ended_well) << limited.most;
         RecordProperty("bytes_of_list", std::to_string(list));
         RecordProperty("bytes_held_at_once", std::to_string(limited.most));

@@ -10,6 +10,7 @@
 #include <filesystem>
 
 #include "support/faults.h"
+#include "support/root_group.h"
 #include "tools/eraser_test.h"
 
 namespace vak::test {
@@ -30,21 +31,11 @@ protected:
         EraserTest::TearDown();
     }
 
-    static vak_id open(const std::string& name, int32_t option)
-    {
-        const auto length = static_cast<int32_t>(name.size());
-        const int32_t none = 0;
-        vak_id group = H5I_INVALID_HID;
-        int32_t ierr = 0;
-        VAK_OPEN(name.data(), &length, "", &none, "", &none, &group, &none, &option, &ierr);
-        return ierr == 0 ? group : H5I_INVALID_HID;
-    }
+    static vak_id open(const std::string& name, int32_t option) { return open_root(name, option); }
     static int32_t close(vak_id group)
     {
         const Flushing now;
-        int32_t ierr = 0;
-        VAK_CLOSE(&group, &ierr);
-        return ierr;
+        return close_root(group);
     }
 
     // Every second one is compressed; chunks of one state and of eight in turns.

@@ -1,5 +1,6 @@
 // The eraser on a series that is larger than the memory it may use.
 #include "support/memory_limit.h"
+#include "support/root_group.h"
 #include "tools/eraser_test.h"
 
 namespace vak::test {
@@ -56,15 +57,12 @@ protected:
     // The child does as a caller does who starts again.
     bool erase_in(const std::string& name) const
     {
-        const auto length = static_cast<int32_t>(name.size());
-        const int32_t none = 0, update = 9, nindex = 1, verbose = 0;
-        vak_id group = -1;
-        int32_t ierr = 0, closed = 0;
-        VAK_OPEN(name.data(), &length, "", &none, "", &none, &group, &none, &update, &ierr);
-        if (ierr != 0) return false;
+        const int32_t update = 9, nindex = 1, verbose = 0;
+        const vak_id group = open_root(name, update);
+        if (group < 0) return false;
+        int32_t ierr = 0;
         (legacy() ? VAK1_ERASE_STATES : VAK_ERASE_STATES)(&group, &nindex, &last, &verbose, &ierr);
-        VAK_CLOSE(&group, &closed);
-        return ierr == 0 && closed == 0;
+        return close_root(group) == 0 && ierr == 0;
     }
     void expect_cut(int32_t chunk, int32_t flags)
     {
