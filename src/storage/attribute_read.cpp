@@ -37,10 +37,9 @@ int32_t check_size(const Request& r, size_t stored)
 int32_t check_shape(const Request& r, const Attribute& attribute)
 {
     const Space space(H5Aget_space(attribute.get()));
-    const int32_t rank = H5Sget_simple_extent_ndims(space.get());
-    if (rank != static_cast<int32_t>(r.dims.size())) return fail(r, 20, rank);
     Extents extents;
-    H5Sget_simple_extent_dims(space.get(), extents.data(), nullptr);
+    const int32_t rank = H5Sget_simple_extent_dims(space.get(), extents.data(), nullptr);
+    if (rank != static_cast<int32_t>(r.dims.size())) return fail(r, 20, rank);
     for (size_t i = 0; i < r.dims.size(); ++i)
         if (extents[i] != r.dims[i]) return fail(r, 30, static_cast<int64_t>(i));
     return 0;

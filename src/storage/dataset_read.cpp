@@ -76,6 +76,7 @@ int32_t take_filters(const DatasetRead& r, const FoundLayout& layout)
         size_t n = std::size(values);
         const H5Z_filter_t filter = H5Pget_filter2(layout.list.get(), static_cast<unsigned>(i), &flags, &n,
                                                    values, 0, nullptr, nullptr);
+        if (filter < 0) return fail(r, 999, filter);
         if (filter == H5Z_FILTER_SCALEOFFSET)
             if (const int32_t status = take_scale_offset(r, values[0], values[1])) return status;
         if (filter == H5Z_FILTER_SHUFFLE) report(r, shuffle_integers, shuffle_reals, shuffle_texts);

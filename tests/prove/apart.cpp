@@ -101,6 +101,7 @@ Ending apart(const std::function<void(Report&)>& body)
     });
     Ending ending;
     ending.report = *report;
+    ending.printed = output.err;
     ending.killed = WIFSIGNALED(result) && WTERMSIG(result) == SIGKILL;
     ending.out_of_memory =
         WIFEXITED(result) && WEXITSTATUS(result) == 1 &&

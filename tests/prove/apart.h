@@ -22,6 +22,7 @@ struct Report {
 
 struct Ending {
     Report report;
+    std::string printed{};       // on standard error
     bool killed = false;         // as the fault wanted it
     bool out_of_memory = false;  // a tool ended the process, with its line
     std::string crash;           // the innermost function of the library or of HDF5, "hang", or empty

@@ -3,7 +3,10 @@
 #include <algorithm>
 #include <array>
 #include <cstdlib>
+#include <fstream>
+#include <iterator>
 #include <new>
+#include <regex>
 
 #include "support/faults.h"
 
@@ -23,6 +26,17 @@ static std::array<const char*, 256> called;
 static size_t number_called = 0;
 
 std::set<std::string> routines_called() { return {called.begin(), called.begin() + number_called}; }
+
+std::set<std::string> routines_declared(const std::string& beginnings)
+{
+    std::ifstream file(VAK_HEADER);
+    const std::string header(std::istreambuf_iterator<char>(file), {});
+    const std::regex declaration("VAK_API void (VAK1?_(" + beginnings + R"()\w+)\()");
+    std::set<std::string> declared;
+    for (std::sregex_iterator match(header.begin(), header.end(), declaration), end; match != end; ++match)
+        declared.insert((*match)[1]);
+    return declared;
+}
 
 static void remember(const char* routine)
 {
@@ -68,13 +82,23 @@ extern "C" void* __wrap_realloc(void* memory, size_t size)
     return vak::test::refuses_memory() ? nullptr : __real_realloc(memory, size);
 }
 
+static void* counted_memory(size_t size) noexcept
+{
+    void* memory = vak::test::refuses_memory() ? nullptr : __real_malloc(size + 1);
+    if (memory != nullptr) ++vak::test::library.held;
+    return memory;
+}
+
 // Not inlined: the compiler would see memory of new go to free and warn.
 [[gnu::noinline]] void* operator new(size_t size)
 {
-    void* memory = vak::test::refuses_memory() ? nullptr : __real_malloc(size + 1);
+    void* memory = counted_memory(size);
     if (memory == nullptr) throw std::bad_alloc();
-    ++vak::test::library.held;
     return memory;
+}
+[[gnu::noinline]] void* operator new(size_t size, const std::nothrow_t&) noexcept
+{
+    return counted_memory(size);
 }
 [[gnu::noinline]] void operator delete(void* memory) noexcept
 {

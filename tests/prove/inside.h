@@ -36,6 +36,8 @@ inline Library library;
 
 // The exported routines that were called in this process.
 std::set<std::string> routines_called();
+// Those of the header whose names go on with one of the words: "READ_|WRITE_".
+std::set<std::string> routines_declared(const std::string& beginnings);
 
 // Lives while an exported routine runs.
 class Inside {

@@ -26,7 +26,7 @@ def sweeps(program, job):
             names.append(suite + line.strip())
         elif line.endswith("."):
             suite = line
-    single = re.compile(r"^Jobs\.|told_where|leaves_no|leaves_the" + ("|^KillBetween" if job else ""))
+    single = re.compile(r"^Jobs\.|^Readings\.|told_where|leaves_no_array|leaves_the" + ("|^KillBetween" if job else ""))
     return [name for name in names if not single.search(name)]
 
 
@@ -82,6 +82,8 @@ def main(program, processes, job=""):
                 failed.append("\n".join(line for line in output.splitlines() if not line.startswith("prove| ")))
     table.print_totals()
     print(NOTE)
+    if "VAK_PROVE_EVERY" in os.environ:
+        print(f"prove: one of {os.environ['VAK_PROVE_EVERY']} points")
     print(f"prove: {time.time() - begin:.0f} s by {processes} processes")
     if failed:
         print("\n".join(failed), file=sys.stderr)

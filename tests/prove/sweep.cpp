@@ -37,19 +37,25 @@ bool is_part() { return std::getenv("VAK_PROVE_PART") != nullptr || std::getenv(
 
 bool is_in_part(size_t number) { return number % part().parts == part().number; }
 
-bool is_chosen(const Job& job, size_t turn)
+bool is_chosen(const std::string& job, size_t number, size_t turn)
 {
     const char* only = std::getenv("VAK_PROVE_JOB");
-    if (only != nullptr && !job.name.starts_with(only)) return false;
-    return proves_all() ? is_in_part(job.number) : only != nullptr || job.number % turns == turn % turns;
+    if (only != nullptr && !job.starts_with(only)) return false;
+    return proves_all() ? is_in_part(number) : only != nullptr || number % turns == turn % turns;
+}
+
+// VAK_PROVE_EVERY: only each so many-th point.
+long every_point()
+{
+    const char* text = std::getenv("VAK_PROVE_EVERY");
+    return text == nullptr ? 1 : std::max(std::atol(text), 1L);
 }
 
 // The share differs from job to job, so that together they see the beginning, the middle and the end.
 std::vector<long> points(long first, long end, long share, size_t job)
 {
     const long number = end - first;
-    const bool all = proves_all() || number <= share;
-    const long step = all ? 1 : number / share;
+    const long step = proves_all() ? every_point() : std::max(number / share, 1L);
     std::vector<long> chosen;
     for (long point = first + static_cast<long>(job * 7919) % step; point < end; point += step)
         chosen.push_back(point);

@@ -16,7 +16,8 @@ bool proves_all();
 bool is_part();
 bool is_in_part(size_t number);
 // By default each sweep takes every fifth job, another fifth than the sweep before it.
-bool is_chosen(const Job& job, size_t turn);
+bool is_chosen(const std::string& job, size_t number, size_t turn);
+long every_point();
 std::vector<long> points(long first, long end, long share, size_t job);
 
 struct Tally {
