@@ -163,7 +163,7 @@ int32_t open_space(DatasetRead& r, Source& source)
 bool open_past_cache(const DatasetRead& r, Source& source, hid_t location, hid_t access)
 {
     source.dataset.close();
-    source.dataset = Dataset(access < 0 ? access : H5Dopen2(location, r.name, access));
+    source.dataset = Dataset(H5Dopen2(location, r.name, access));
     return source.dataset.valid();
 }
 

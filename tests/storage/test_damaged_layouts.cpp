@@ -185,6 +185,23 @@ TEST_F(DamagedLayouts, filtered_chunk_that_holds_too_little_is_refused)
     }
 }
 
+TEST_F(DamagedLayouts, chunk_that_is_larger_than_its_filters_can_have_made_it_is_refused)
+{
+    write_growing(deflate_integers);
+    reopen();
+    const Bytes large(chunk_bytes + chunk_bytes / 8 + 64 * 1024 + 1, '\0');
+    const hsize_t first[] = {0, 0};
+    {
+        const ObjectId dataset = open_object(file, "values");
+        ASSERT_GE(H5Dwrite_chunk(dataset, H5P_DEFAULT, 1, first, large.size(), large.data()), 0);
+    }
+    std::vector<int32_t> found(states * width);
+    EXPECT_EQ(read(found, {.dims = {states, width}}), refusal);
+    EXPECT_EQ(read_values(nullptr, integer_type, 4, {.dims = {states, width}}), refusal);
+    const Access later{.dims = {states, width}, .count = {2, width}, .start = {2, 0}, .mode = hyperslab};
+    EXPECT_EQ(read_values(nullptr, integer_type, 4, later), done);
+}
+
 TEST_F(DamagedLayouts, compact_size_that_is_not_that_of_the_values_is_refused)
 {
     values = numbers<int32_t>(100);

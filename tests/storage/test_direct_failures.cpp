@@ -100,5 +100,49 @@ TEST_F(DirectFailures, a_state_that_is_not_appended_leaves_those_before_it_as_th
     set_chunk_size(1);
 }
 
+// Whole chunks stand before the row that failed, none of which HDF5 would pack anew.
+TEST_F(DirectFailures, a_state_in_a_chunk_of_its_own_that_is_not_appended_leaves_those_before_it)
+{
+    EXPECT_EQ(append(std::vector<double>(40, 1)), done);
+    EXPECT_EQ(without("H5Dwrite_chunk", [&] { return append(std::vector<double>(40, 2)); }),
+              not_written(-3999, 999, "values 3 8 8 1 -1"));
+    EXPECT_EQ(dataset_extents(file, "values"), (std::vector<int64_t>{1, 40}));
+    EXPECT_EQ(states(1), std::vector<double>(40, 1));
+}
+
+TEST_F(DirectFailures, a_point_in_a_chunk_that_is_not_read_or_not_written_changes_nothing)
+{
+    const auto values = numbers<int32_t>(100);
+    EXPECT_EQ(write(values, Access(whole)), done);
+    const Access point{.dims = {100}, .count = {2}, .start = {5, 70}, .mode = point_list};
+    std::vector<int32_t> found(100, -1);
+    for (const char* function : {"H5Dread_chunk", "H5Dwrite_chunk"}) {
+        EXPECT_EQ(without(function,
+                          [&] {
+                              return write(std::vector<int32_t>{7, 7}, Access(point));
+                          }),
+                  not_written(-3999, 999, "values 2 4 4 2 -1"));
+        EXPECT_EQ(read(found, whole), done);
+        EXPECT_EQ(found, values) << function;
+    }
+    EXPECT_EQ(without("H5Dread_chunk", [&] { return read(found, point); }), not_read(999, "values 2 4 -1"));
+    EXPECT_EQ(found, values);
+}
+
+TEST_F(DirectFailures, a_chunk_that_is_not_replaced_by_one_of_its_size_keeps_its_values)
+{
+    const Access packed{.dims = {100}, .flags = 64};
+    const auto values = numbers<int32_t>(100), others = numbers<int32_t>(100, 500);
+    EXPECT_EQ(write(values, Access(packed)), done);
+    EXPECT_EQ(without("H5Dwrite_chunk", [&] { return write(others, Access(packed)); }),
+              not_written(-3999, 999, "values 2 4 4 0 -1"));
+    std::vector<int32_t> found(100);
+    EXPECT_EQ(read(found, packed), done);
+    EXPECT_EQ(found, values);
+    EXPECT_EQ(write(others, Access(packed)), done);
+    EXPECT_EQ(read(found, packed), done);
+    EXPECT_EQ(found, others);
+}
+
 }  // namespace
 }  // namespace vak::test

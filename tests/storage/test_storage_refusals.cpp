@@ -140,6 +140,14 @@ TEST_F(StorageRefusals, a_layout_that_cannot_be_asked_for_is_refused)
     EXPECT_EQ(read_without("H5Dget_create_plist", whole), not_read(999, "values 2 4 -1"));
 }
 
+TEST_F(StorageRefusals, reading_error_2_chunks_that_cannot_be_opened_past_the_cache)
+{
+    EXPECT_EQ(write(numbers<int32_t>(8), Access(slab)), done);
+    EXPECT_EQ(read_without("H5Pcreate", whole), not_read(2, "values 2 4 -1"));
+    const Access part{.dims = {8}, .count = {8}, .start = {0}, .mode = hyperslab};
+    EXPECT_EQ(read_without("H5Pcreate", part), not_read(2, "values 2 4 -1"));
+}
+
 TEST_F(StorageRefusals, without_the_object_header_the_creation_list_tells_the_layout)
 {
     EXPECT_EQ(write(numbers<int32_t>(8), Access(whole)), done);
