@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "samples/attributes.h"
+#include "samples/connectivities.h"
 #include "samples/elementresults.h"
 #include "samples/entityresults.h"
 #include "samples/multientityresults.h"
@@ -112,6 +113,12 @@ TEST_P(MergeCompression, by_exponent_is_told_at_level_two_alone)
     use_exponents({{"DISPLACEMENT", 2}});
     EXPECT_EQ(merge_one(series(), 1), 0);
     EXPECT_THAT(printed().out, Not(HasSubstr(">-<")));
+    restart();
+    EXPECT_EQ(merge_one(series(), 0), 0);
+    EXPECT_EQ(printed().out, "");
+    restart();
+    EXPECT_EQ(merge_one(series(), 1 + 2), 0) << "the second bit counts";
+    EXPECT_THAT(printed().out, HasSubstr(">-<"));
 }
 
 TEST_P(MergeCompression, without_an_exponent_for_the_variable_stays_as_it_was)
@@ -145,6 +152,21 @@ TEST_P(MergeCompression, that_was_lossy_stays_so_and_is_told)
     EXPECT_THAT(stored(r.path()), HasSubstr("scaleoffset(float,3) fill=10000"));
     EXPECT_THAT(printed().out,
                 HasSubstr(line("multientityresults", "   128 10000000      3      0:", "DISPLACEMENT")));
+}
+
+// Whatever the kind, which may have no values that are rounded.
+TEST_P(MergeCompression, by_exponent_is_told_of_model_blocks_too)
+{
+    use_exponents({{"SECTION", 2}});
+    auto elements = sample_of<Connectivities>(family());
+    if (legacy()) return;  // they name no variable
+    ASSERT_GT(elements.nbfloat, 0);
+    elements.etypvar = padded("SECTION");
+    EXPECT_EQ(elements.write(add_domain()), 0);
+    EXPECT_EQ(merge(2 + 4), 0);
+    EXPECT_THAT(printed().out,
+                HasSubstr(line("connectivities", "   128 10000000      2      0:", "SECTION")));
+    EXPECT_EQ(dataset_values<float>(target(), elements.path() + data() + "fparam"), elements.fparam);
 }
 
 // Their writer never rounds values: the line is all that an exponent gives.

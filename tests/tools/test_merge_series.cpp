@@ -124,6 +124,17 @@ TEST_P(MergeSeries, of_a_domain_without_entities_take_nothing_away)
     EXPECT_EQ(merged(some, "res"), some.res);
 }
 
+TEST_P(MergeSeries, of_no_entities_at_all_keep_their_states)
+{
+    const auto none = series({}, 2);
+    EXPECT_EQ(none.write(add_domain()), 0);
+    EXPECT_EQ(none.write(add_domain()), 0);
+    EXPECT_EQ(merge(), 0);
+    EXPECT_EQ(attribute_value<int32_t>(target(), none.path() + header(), "nent"), 0);
+    EXPECT_EQ(attribute_value<int32_t>(target(), none.path() + header(), "nstate"), 2);
+    EXPECT_EQ(dataset_values<int32_t>(target(), none.path() + index() + "indexident"), none.index.indexident);
+}
+
 TEST_P(MergeSeries, of_activation_flags_are_joined)
 {
     auto first = sample_of<MultiActivFlags>(family()), second = first;
