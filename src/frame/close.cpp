@@ -7,6 +7,7 @@
 #include "frame/exported.h"
 #include "frame/metadata_cache.h"
 #include "storage/hdf5_id.h"
+#include "storage/whole_flush.h"
 #include "vak_sp.h"
 
 namespace vak {
@@ -17,8 +18,9 @@ using Close = herr_t (*)(hid_t);
 
 bool flush(hid_t file)
 {
-    const bool global = H5Fflush(file, H5F_SCOPE_GLOBAL) >= 0;
-    const bool local = H5Fflush(file, H5F_SCOPE_LOCAL) >= 0;
+    const bool global = flush_whole(file, H5F_SCOPE_GLOBAL);
+    const bool local = flush_whole(file, H5F_SCOPE_LOCAL);
+    release_room(file, global && local);
     return global && local;
 }
 
@@ -62,8 +64,8 @@ int32_t close_file(hid_t group)
 
 int32_t flush_scope(hid_t id, int32_t scope)
 {
-    if (scope == 0) H5Fflush(id, H5F_SCOPE_GLOBAL);
-    if (scope == 1) H5Fflush(id, H5F_SCOPE_LOCAL);
+    if (scope == 0) flush_whole(id, H5F_SCOPE_GLOBAL);
+    if (scope == 1) flush_whole(id, H5F_SCOPE_LOCAL);
     if (scope == 0 || scope == 1) drop_flushed_metadata(id);
     return 0;
 }

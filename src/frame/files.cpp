@@ -10,6 +10,7 @@
 #include "frame/metadata_cache.h"
 #include "frame/paths.h"
 #include "frame/version.h"
+#include "storage/whole_flush.h"
 #include "vak_sp.h"
 
 namespace vak {
@@ -59,8 +60,10 @@ bool create_file(Opening& o, unsigned access)
 {
     if (!may_be_created(o.name)) return false;
     o.file = File(H5Fcreate(o.name.c_str(), access, H5P_DEFAULT, access_list(FileUse::create).get()));
-    if (o.file.valid() && o.verbose) std::printf("VAK INFO - file \"%s\" created.\n", o.name.c_str());
-    return o.file.valid();
+    if (!o.file.valid()) return false;
+    watch_room(o.file.get());
+    if (o.verbose) std::printf("VAK INFO - file \"%s\" created.\n", o.name.c_str());
+    return true;
 }
 
 bool create_anew(Opening& o)
@@ -75,8 +78,10 @@ bool open_regular_file(Opening& o, const std::string& path, unsigned access)
     if (!FileProbe(path).regular()) return false;
     const FileUse use = access == H5F_ACC_RDONLY ? FileUse::read : FileUse::update;
     o.file = File(H5Fopen(path.c_str(), access, access_list(use).get()));
-    if (o.file.valid() && o.verbose) std::printf("Opened \"%s\"\n", path.c_str());
-    return o.file.valid();
+    if (!o.file.valid()) return false;
+    if (use != FileUse::read) watch_room(o.file.get());
+    if (o.verbose) std::printf("Opened \"%s\"\n", path.c_str());
+    return true;
 }
 
 // The longest prefix of the name that is a file; the rest names the group handed back.

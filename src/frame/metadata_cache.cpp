@@ -3,6 +3,8 @@
 
 #include <algorithm>
 
+#include "storage/whole_flush.h"
+
 namespace vak {
 
 namespace {
@@ -68,7 +70,7 @@ void drop_unchanged(hid_t file, const Cache& cache)
 bool flush_when_large(hid_t file, const Cache& cache)
 {
     if (size_in_use(file) <= cache.max_size) return true;
-    if (H5Fflush(file, H5F_SCOPE_LOCAL) < 0) return false;
+    if (!flush_whole(file, H5F_SCOPE_LOCAL)) return false;
     drop_unchanged(file, cache);
     return true;
 }
@@ -103,7 +105,8 @@ bool hold_metadata_back(hid_t location)
     if (!file.valid() || !get(file.get(), cache)) return true;
     // A file that is only read, though opened for update, keeps a cache of limited size.
     if (awaits_first_change(cache)) return set(file.get(), fixed(cache, held_back_at_most, false));
-    return !holds_back(cache) || flush_when_large(file.get(), cache);
+    if (!holds_back(cache)) return true;
+    return keep_room(file.get()) != Room::shut && flush_when_large(file.get(), cache);
 }
 
 void drop_flushed_metadata(hid_t object)

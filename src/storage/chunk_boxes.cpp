@@ -136,9 +136,10 @@ bool write_box(const ChunkTransfer& transfer, ChunkedDataset& chunks, const void
 {
     BoxMove move(transfer, chunks);
     const bool good = every_chunk(move.box, chunks.chunk(), [&](const Overlap& o) {
-        return write_one(move, o, static_cast<const unsigned char*>(data));
+        return transfer.skips(o.corner) || write_one(move, o, static_cast<const unsigned char*>(data));
     });
-    return good && chunks.finish();
+    chunks.finish();
+    return good;
 }
 
 bool read_box(const ChunkTransfer& transfer, ChunkedDataset& chunks, void* data)

@@ -85,9 +85,11 @@ bool write_points(const ChunkTransfer& transfer, ChunkedDataset& chunks, const v
 {
     PointMove move(transfer, chunks);
     const bool good = every_chunk(move, [&](const Extents& corner, Points points) {
-        return write_one(move, corner, points, static_cast<const unsigned char*>(data));
+        return transfer.skips(corner) ||
+               write_one(move, corner, points, static_cast<const unsigned char*>(data));
     });
-    return good && chunks.finish();
+    chunks.finish();
+    return good;
 }
 
 bool read_points(const ChunkTransfer& transfer, ChunkedDataset& chunks, void* data)

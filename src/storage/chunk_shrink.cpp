@@ -4,6 +4,7 @@
 #include "storage/array_box.h"
 #include "storage/chunked_dataset.h"
 #include "storage/direct_chunks.h"
+#include "storage/whole_flush.h"
 
 namespace vak {
 namespace {
@@ -96,7 +97,7 @@ bool shrink_dataset(hid_t dataset, std::span<const hsize_t> extents, std::span<c
     bool good = H5Dset_extent(dataset, extents.data()) >= 0;
     for (const KeptChunk& chunk : kept) good = put_back(chunks, chunk) && good;
     chunks.finish();
-    return H5Fflush(dataset, H5F_SCOPE_LOCAL) >= 0 && good;
+    return flush_whole(dataset, H5F_SCOPE_LOCAL) && good;
 }
 
 }  // namespace vak

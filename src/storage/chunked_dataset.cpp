@@ -4,6 +4,9 @@
 #include <algorithm>
 #include <cstring>
 
+#include "storage/chunk_rescue.h"
+#include "storage/whole_flush.h"
+
 namespace vak {
 namespace {
 
@@ -99,14 +102,18 @@ bool ChunkedDataset::hold(const Extents& corner, size_t size)
     return true;
 }
 
-// Where there is no chunk HDF5 gives fill values, and where it only could not find it, an error.
+// Where there is no chunk HDF5 gives fill values, and where it only could not find it, an error. The dataset
+// may not have grown yet.
 bool ChunkedDataset::read_by_hdf5(const Extents& corner, unsigned char* values) const
 {
     fill(values);
     const Extents origin{};
-    const Extents counts = inside(corner);
+    Extents counts = inside(corner);
+    Extents present{};
     const Space file(H5Dget_space(dataset_));
     const Space memory(H5Screate_simple(static_cast<int>(rank_), chunk_.data(), nullptr));
+    H5Sget_simple_extent_dims(file.get(), present.data(), nullptr);
+    for (size_t i = 0; i < rank_; ++i) counts[i] = std::min(counts[i], present[i] - corner[i]);
     const auto select = [&](const Space& space, const Extents& start) {
         return H5Sselect_hyperslab(space.get(), H5S_SELECT_SET, start.data(), nullptr, counts.data(),
                                    nullptr) >= 0;
@@ -133,9 +140,11 @@ bool ChunkedDataset::write(const Extents& corner, const unsigned char* values, b
 }
 
 // HDF5 gives up the place of a chunk before it writes the chunk at another one. If it cannot write there, the
-// chunk is still looked for where anything may be put. So the file must have shown before that it has room.
+// chunk is still looked for where anything may be put. So there must be room before; where it cannot be
+// reserved, an unnamed dataset shows it.
 bool ChunkedDataset::has_room(const StoredChunk& chunk) const
 {
+    if (const Room room = keep_room(dataset_, chunk.size); room != Room::unknown) return room == Room::kept;
     const hsize_t size = chunk.size;
     const Space space(H5Screate_simple(1, &size, nullptr));
     Dataset unnamed(H5Dcreate_anon(dataset_, H5T_NATIVE_UCHAR, space.get(), H5P_DEFAULT, H5P_DEFAULT));
@@ -145,30 +154,36 @@ bool ChunkedDataset::has_room(const StoredChunk& chunk) const
 }
 
 // HDF5 notes the mask of a chunk only when it gives it a new place, for which the size must differ.
-bool ChunkedDataset::move(const Extents& corner, const StoredChunk& chunk, size_t size_now)
+bool ChunkedDataset::move(const Extents& corner, const StoredChunk& chunk)
 {
     const StoredChunk shorter{.bytes = chunk.bytes, .size = chunk.size - 1, .mask = chunk.mask};
-    const bool same_size = chunk.size == size_now && chunk.size > 1;
+    const bool same_size = chunk.size == held_.size && chunk.size > 1;
     return (!same_size || store(corner, shorter)) && store(corner, chunk);
 }
 
+// The place that a chunk gave up may be used by whatever is written next, the next chunk included. So the
+// file must look for the chunk at its new place before. HDF5 may use part of it for the very chunk, so that
+// flush should have nothing else to write.
 bool ChunkedDataset::replace(const Extents& corner, const StoredChunk& chunk)
 {
-    const bool stays = held_.size == chunk.size && held_.mask == chunk.mask;
-    if (!stays && !has_room(chunk)) return false;
-    moved_ = moved_ || !stays;
-    if (stays ? store(corner, chunk) : move(corner, chunk, held_.size)) return true;
-    if (stays) {
-        store(corner, held_);
-    } else if (held_.size > 0) {
-        move(corner, held_, chunk.size);
+    if (held_.size == chunk.size && held_.mask == chunk.mask) {
+        const bool good = store(corner, chunk);
+        if (!good) store(corner, held_);
+        return good;
     }
+    if (held_.size == 0) return store(corner, chunk);
+    is_flushed_ = is_flushed_ || flush_whole(dataset_, H5F_SCOPE_LOCAL);
+    if (!is_flushed_ || !has_room(chunk)) return false;
+    const bool has_moved = move(corner, chunk);
+    if (has_moved && flush_whole(dataset_, H5F_SCOPE_LOCAL)) return true;
+    shut_file(dataset_);
+    put_back_old_chunk(dataset_, corner, held_, has_moved);
     return false;
 }
 
 // HDF5 1.14.5 remembers the place of the chunk last written, but with the mask that it had before. Whoever
 // has the dataset open besides us would read it by that mask, unless another chunk is looked up in between.
-void ChunkedDataset::forget_last_chunk() const
+void ChunkedDataset::finish() const
 {
     if (!last_masked_) return;
     Extents other{};
@@ -176,13 +191,6 @@ void ChunkedDataset::forget_last_chunk() const
         if (chunk_[i] <= extents_[i]) other[i] = chunk_[i];
     }
     stored_size(other);
-}
-
-// The places that were given up may be used by whatever is written next.
-bool ChunkedDataset::finish() const
-{
-    forget_last_chunk();
-    return !moved_ || H5Fflush(dataset_, H5F_SCOPE_LOCAL) >= 0;
 }
 
 }  // namespace vak

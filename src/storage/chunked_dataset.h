@@ -48,8 +48,8 @@ public:
     // Puts such bytes where they were, past what HDF5 has in its cache.
     bool store(const Extents& corner, const StoredChunk& chunk);
 
-    // To be called when all is written, and to stay; false on failure.
-    bool finish() const;
+    // To be called when all is written.
+    void finish() const;
 
 private:
     void describe(hid_t list);
@@ -57,9 +57,8 @@ private:
     void take_fill_value(hid_t list);
     size_t stored_size(const Extents& corner) const;
     bool hold(const Extents& corner, size_t size);
-    void forget_last_chunk() const;
     bool has_room(const StoredChunk& chunk) const;
-    bool move(const Extents& corner, const StoredChunk& chunk, size_t size_now);
+    bool move(const Extents& corner, const StoredChunk& chunk);
     bool replace(const Extents& corner, const StoredChunk& chunk);
     bool read_by_hdf5(const Extents& corner, unsigned char* values) const;
 
@@ -76,7 +75,7 @@ private:
     StoredChunk held_;  // what was last read into it, and where from
     Extents held_corner_{};
     bool was_exact_ = true;
-    bool moved_ = false;                  // chunks that the file had already
+    bool is_flushed_ = false;             // all but what is being written
     std::optional<Extents> last_masked_;  // the chunk written last, when a filter is or was left out of it
 };
 

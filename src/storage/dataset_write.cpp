@@ -6,6 +6,7 @@
 #include "storage/chunk_check.h"
 #include "storage/direct_chunks.h"
 #include "storage/element_type.h"
+#include "storage/whole_flush.h"
 
 namespace vak {
 
@@ -138,11 +139,8 @@ int32_t open_dataset(DatasetWrite& w, Target& target)
     w.memory_type = memory_type_beside(found, w.type, w.memory_type, w.data_size);
     target.found_type = std::move(found.id);
     target.list = std::move(layout.list);
-    // Chunks that are packed anew move. So what the file says of them must be true now, and hold until it
-    // says all that this call changes; that needs no more room then.
     target.repacks = repacks(w, target);
-    if (target.repacks && H5Fflush(dataset, H5F_SCOPE_LOCAL) < 0) return fail(w, 999, -1, -3999);
-    return w.extendible() ? grow(w, target, present) : 0;
+    return 0;
 }
 
 int32_t give_up(const DatasetWrite& w, Target& target, int32_t number, int64_t error)
@@ -167,14 +165,15 @@ int32_t write_by_hdf5(const DatasetWrite& w, Target& target)
     return status < 0 ? give_up(w, target, 999, status) : 0;
 }
 
-Direct write_by_chunks(const DatasetWrite& w, const Target& target)
+Direct write_by_chunks(const DatasetWrite& w, const Target& target, Chunks which)
 {
-    Extents extents;
-    if (H5Sget_simple_extent_dims(target.space.get(), extents.data(), nullptr) < 0) return Direct::failed;
+    Extents extents{};
+    for (size_t i = 0; i < w.dims.size(); ++i) extents[i] = std::max(w.dims[i], target.before[i]);
     return write_chunks({.dataset = target.dataset.get(),
                          .list = target.list.get(),
                          .list_is_its_own = !target.is_new,
                          .repacks = target.repacks,
+                         .which = which,
                          .type = w.type,
                          .data_size = w.data_size,
                          .memory_type = w.memory_type,
@@ -185,18 +184,38 @@ Direct write_by_chunks(const DatasetWrite& w, const Target& target)
                         w.data);
 }
 
+int32_t give_up_chunks(const DatasetWrite& w, Target& target)
+{
+    target.dataset.close();  // HDF5 forgets where it wanted to put the chunk that failed
+    return give_up(w, target, 999, -1);
+}
+
 int32_t write_values(const DatasetWrite& w, Target& target)
 {
-    if (w.part.mode == point_list && points_beyond(w)) return fail(w, 999, -1, -3999);
-    const Direct direct = write_by_chunks(w, target);
-    if (direct == Direct::failed) {
-        target.dataset.close();  // HDF5 forgets where it wanted to put the chunk that failed
-        return give_up(w, target, 999, -1);
+    const bool is_refused = w.part.mode == point_list && points_beyond(w);
+    Chunks rest = Chunks::all;
+    if (target.repacks && !is_refused) {
+        const Direct direct = write_by_chunks(w, target, Chunks::present);
+        if (direct == Direct::failed) return give_up_chunks(w, target);
+        if (direct == Direct::done) rest = Chunks::added;
     }
+    if (w.extendible() && !target.is_new)
+        if (const int32_t status = grow(w, target, target.before)) return status;
+    if (is_refused) return fail(w, 999, -1, -3999);
+    const Direct direct = write_by_chunks(w, target, rest);
+    if (direct == Direct::failed) return give_up_chunks(w, target);
     if (direct == Direct::left)
         if (const int32_t status = write_by_hdf5(w, target)) return status;
     // Errors of the disk often show only when HDF5 writes out what it holds, on closing.
     return target.dataset.close() ? 0 : give_up(w, target, 999, -1);
+}
+
+// Whether several of them would use up the room that is kept from block to block.
+bool is_large(const DatasetWrite& w)
+{
+    constexpr hsize_t fewest_bytes = 16384;
+    return elements_of(w.part.counts(), w.vak_size).value_or(0) >=
+           fewest_bytes / std::max(w.vak_size, size_t{1});
 }
 
 // What must hold before the file is touched.
@@ -247,7 +266,9 @@ int32_t VAK_H5Dwrite(const char* name, const void* data, int32_t type, size_t da
     const bool exists = !location.is_new && H5Lexists(location.id, name, H5P_DEFAULT) > 0;
     if (const int32_t status = exists ? open_dataset(w, target) : create_dataset(w, target)) return status;
     try {
-        return write_values(w, target);
+        const int32_t status = write_values(w, target);
+        if (is_large(w)) keep_room(location.id);  // what follows has it again
+        return status;
     } catch (const std::bad_alloc&) {
         target.dataset.close();
         take_back(w, target);

@@ -11,12 +11,17 @@
 
 namespace vak {
 
+// Chunks that the file had before a call change before the dataset grows, so that no state is counted whose
+// values are on their way.
+enum class Chunks { all, present, added };
+
 struct ChunkTransfer {
     hid_t dataset = H5I_INVALID_HID;
     hid_t list = H5I_INVALID_HID;  // of its creation; may be absent where there are no filters
     bool list_is_its_own = true;   // not the one with which it was made just now
     bool repacks = false;          // filtered chunks that the file had before this call
-    int32_t type = 0;              // type code
+    Chunks which = Chunks::all;
+    int32_t type = 0;  // type code
     size_t data_size = 0;
     hid_t memory_type = H5I_INVALID_HID;
     Part part{};
@@ -28,6 +33,10 @@ struct ChunkTransfer {
     bool is_new(const Extents& corner) const
     {
         return !std::equal(before.begin(), before.end(), corner.begin(), std::greater<>());
+    }
+    bool skips(const Extents& corner) const
+    {
+        return which != Chunks::all && (which == Chunks::added) != is_new(corner);
     }
 };
 

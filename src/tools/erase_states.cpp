@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "storage/whole_flush.h"
 #include "tools/erase_plan.h"
 #include "tools/tool.h"
 #include "vak_sp.h"
@@ -37,7 +38,7 @@ int32_t erase_block(const EraserRun& run, const ErasableBlock& block)
     return status;
 }
 
-int32_t flush(const EraserRun& run) { return H5Fflush(run.root, H5F_SCOPE_GLOBAL) >= 0 ? 0 : -1; }
+int32_t flush(const EraserRun& run) { return flush_whole(run.root, H5F_SCOPE_GLOBAL) ? 0 : -1; }
 
 // Flushed now and then: what is not yet in the file is then little, and never pushed out half by later work.
 // Flushed at the end, before anything new takes the space that is now free.

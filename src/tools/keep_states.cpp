@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "storage/storage.h"
+#include "storage/whole_flush.h"
 #include "tools/cut_series.h"
 #include "tools/erase_block.h"
 
@@ -113,7 +114,7 @@ private:
     bool complete_ = false;
 };
 
-int32_t flush(const ErasableBlock& b) { return H5Fflush(b.root, H5F_SCOPE_GLOBAL) >= 0 ? 0 : -1; }
+int32_t flush(const ErasableBlock& b) { return flush_whole(b.root, H5F_SCOPE_GLOBAL) ? 0 : -1; }
 
 int32_t exchange_states(const ErasableBlock& b, const std::vector<hsize_t>& kept)
 {

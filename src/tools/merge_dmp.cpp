@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <numeric>
 
+#include "storage/whole_flush.h"
 #include "tools/merge.h"
 #include "tools/merge_block.h"
 #include "tools/tool.h"
@@ -99,7 +100,7 @@ int32_t check_target(const Merge& merge)
 
 int32_t flush_target(const Merge& merge)
 {
-    return H5Fflush(merge.target, H5F_SCOPE_GLOBAL) >= 0 ? 0 : write_failed("vakblock", -1);
+    return flush_whole(merge.target, H5F_SCOPE_GLOBAL) ? 0 : write_failed("vakblock", -1);
 }
 
 int32_t run(Merge& merge)

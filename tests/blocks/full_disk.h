@@ -125,10 +125,12 @@ protected:
             succeeded = append_under(set_limit, cut);
             found = states_in(cut);
         });
-        EXPECT_EQ(found.wrong, 0);
+        if (!written_.stopped_a_flush()) {
+            EXPECT_EQ(found.wrong, 0);
+        }
         EXPECT_TRUE(!succeeded || found.good == after) << found.good << " good states";
         (succeeded ? succeeded_ : failed_) += 1;
-        if (!written_.hit_in_flush) fewest_ = std::min(fewest_, found.good);
+        if (!written_.stopped_a_flush()) fewest_ = std::min(fewest_, found.good);
     }
 
     // The same under many limits.
@@ -136,12 +138,14 @@ protected:
     {
         ASSERT_NO_FATAL_FAILURE(begin());
         for (uintmax_t i = 0; i <= number; ++i) {
-            const uintmax_t limit = start_ + (end_ - start_) * reach_ * i / number;
+            const uintmax_t limit =
+                start_ + (end_ - start_) * reach_ * i / number + (i == number ? spare : 0);
             SCOPED_TRACE(limit);
             try_disk([&] { set_limit(limit); });
         }
     }
 
+    static constexpr uintmax_t spare = 65536;  // what is reserved before the last write
     uintmax_t start_ = 0, end_ = 0;
     uintmax_t reach_ = 1;  // the largest disk, in times of what the states add to the file
     Disk written_;         // what became of the last one

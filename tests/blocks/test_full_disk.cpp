@@ -103,6 +103,20 @@ TEST_P(FullDisk, is_reported_and_loses_no_state_that_was_appended_before)
     EXPECT_GE(fewest_, before);
 }
 
+// What has its place in the file can still be written, so that nothing is left half written.
+TEST_P(FullDisk, without_more_blocks_from_any_write_on_loses_no_state_that_was_appended_before)
+{
+    ASSERT_NO_FATAL_FAILURE(begin());
+    try_disk([] {});
+    const long writes = written_.writes;
+    for (long at = 0; at < writes; at += writes / 8 + 1) {
+        SCOPED_TRACE(at);
+        try_disk([&] { disk().fail(Fault::no_more_blocks, at); });
+    }
+    EXPECT_GE(failed_, 1);
+    EXPECT_GE(fewest_, before);
+}
+
 // Here HDF5 cannot even give the file the length that its header tells, so that it may not open again.
 TEST_P(FullDisk, limit_to_the_length_of_a_file_is_reported_and_gives_no_other_values)
 {

@@ -124,16 +124,16 @@ TEST_P(FullDiskChunks, loses_no_state_that_was_written_before)
     EXPECT_GE(fewest_, before);
 }
 
-// Some writes, each of which fails on a disk of its own. Not all: see docs/reliability.md on errors in the
-// flush behind chunks that have moved.
+// Some writes, each of which fails on a disk of its own.
 TEST_P(FullDiskChunks, a_write_that_fails_loses_no_state_that_was_written_before)
 {
     ASSERT_NO_FATAL_FAILURE(begin());
     try_disk([] {});
     const long writes = written_.writes;
-    for (const Fault fault : {Fault::io_error_once, Fault::torn_once})
-        for (long at = 0; at < writes; at += writes / 5 + 1) {
-            SCOPED_TRACE(at);
+    for (const Fault fault :
+         {Fault::io_error_once, Fault::torn_once, Fault::full_from_here, Fault::no_more_blocks})
+        for (long at = 0; at < writes; at += every_disk() ? 1 : writes / 5 + 1) {
+            SCOPED_TRACE(testing::Message() << "fault " << static_cast<int>(fault) << " at write " << at);
             try_disk([&] { disk().fail(fault, at); });
         }
     EXPECT_GE(failed_, 4);

@@ -33,6 +33,7 @@ protected:
         H5Tcommit2(root, "g", type, H5P_DEFAULT, H5P_DEFAULT, H5P_DEFAULT);
         ids_.push_back(type);
         H5Sclose(space);
+        H5Fflush(root, H5F_SCOPE_LOCAL);  // what a flush refuses later is not written in part
         return root;
     }
 

@@ -1,5 +1,5 @@
-// A disk that fails. In a program that names it, every write to a file (and every change of a file's length)
-// by whichever library goes to this disk.
+// A disk that fails. In a program that names it, every write to a file (and every change of a file's length,
+// and every reservation of room) by whichever library goes to this disk.
 #pragma once
 
 #include <sys/types.h>
@@ -11,7 +11,8 @@ namespace vak::test {
 enum class Fault {
     none,
     io_error_once,   // EIO, nothing written
-    full_from_here,  // ENOSPC from that write on
+    full_from_here,  // ENOSPC from that write on, whatever is written
+    no_more_blocks,  // ENOSPC from that write on where the file has no block yet
     short_once,      // half of the bytes are written, and said so
     torn_once,       // half of the bytes are written, then EIO
     killed,          // the process ends before the write
@@ -27,6 +28,10 @@ struct Disk {
     int flushing = 0;  // nested calls that write out what is held back
     bool hit = false, hit_in_flush = false;
     bool flushed = false;  // before that, by a test that says so
+
+    // HDF5 writes what it holds back piece by piece. A disk that is full only has no more blocks: that must
+    // not happen in the middle.
+    bool stopped_a_flush() const { return hit_in_flush && fault != Fault::no_more_blocks; }
 
     // Counts writes from 0 again.
     void fail(Fault kind, long write);
