@@ -42,15 +42,15 @@ void copy_integer(Join& join, Block& io, hid_t group, const char* name)
     if (join.read_status == 0) integer(io, name, &value);
 }
 
-bool is_text(const Type& stored)
+bool is_text(H5T_class_t type_class, const Type& stored)
 {
-    return H5Tget_class(stored.get()) == H5T_STRING && H5Tis_variable_str(stored.get()) == 0 &&
+    return type_class == H5T_STRING && H5Tis_variable_str(stored.get()) == 0 &&
            H5Tget_size(stored.get()) <= 256;
 }
 
-bool is_integer(const Type& stored)
+bool is_integer(H5T_class_t type_class, const Type& stored)
 {
-    return H5Tget_class(stored.get()) == H5T_INTEGER && H5Tget_size(stored.get()) <= sizeof(int32_t);
+    return type_class == H5T_INTEGER && H5Tget_size(stored.get()) <= sizeof(int32_t);
 }
 
 bool copy_bytes(hid_t to, const Attribute& from, const Type& stored, const char* name)
@@ -91,10 +91,13 @@ herr_t copy_attribute(hid_t group, const char* name, const H5A_info_t*, void* da
     if (!attribute.valid()) return -1;
     const Type stored(H5Aget_type(attribute.get()));
     const Space space(H5Aget_space(attribute.get()));
-    const bool is_one = H5Sget_simple_extent_type(space.get()) == H5S_SCALAR;
-    if (is_one && is_text(stored))
+    const H5S_class_t extents = H5Sget_simple_extent_type(space.get());
+    const H5T_class_t type_class = H5Tget_class(stored.get());
+    if (extents == H5S_NO_CLASS || type_class == H5T_NO_CLASS) return -1;
+    const bool is_one = extents == H5S_SCALAR;
+    if (is_one && is_text(type_class, stored))
         copy_text(*join, *io, group, name);
-    else if (is_one && is_integer(stored))
+    else if (is_one && is_integer(type_class, stored))
         copy_integer(*join, *io, group, name);
     else
         copy_foreign(*io, attribute, name);

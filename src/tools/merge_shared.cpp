@@ -100,7 +100,9 @@ int32_t copy_header(const Merge& merge)
 bool copy_sections(const Group& from, hid_t target, const std::string& path)
 {
     for (const char* section : {"header", "index", "data"}) {
-        if (H5Lexists(from.get(), section, H5P_DEFAULT) <= 0) continue;
+        const htri_t is_there = H5Lexists(from.get(), section, H5P_DEFAULT);
+        if (is_there < 0) return false;
+        if (is_there == 0) continue;
         if (!copy_object(from.get(), section, target, (path + "/" + section).c_str())) return false;
     }
     return true;

@@ -231,7 +231,7 @@ TEST_F(MergeLimits, a_full_disk_is_told_and_leaves_neither_target_nor_temporary_
     const auto domains = write_domains(5, 20000);
     for (const char* const at_once : {"5", "4"}) {  // in one round, in two
         const auto all = arguments(domains, {"--at-once", at_once});
-        for (const rlim_t size : {2'000, 100'000, 400'000, 500'000}) {
+        for (const rlim_t size : {rlim_t{2000}, rlim_t{100000}, rlim_t{400000}, rlim_t{500000}}) {
             const TempFolder said_folder;
             rlimit before{};
             getrlimit(RLIMIT_FSIZE, &before);

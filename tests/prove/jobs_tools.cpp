@@ -142,8 +142,7 @@ Job merger(Family family)
     return {std::string("merger") + (family == Family::legacy ? " legacy" : ""),
             run,
             {item<EntityResults>({joined}), item<System>({system})},
-            prepare,
-            true};
+            prepare};
 }
 
 // A link to a block in another file reads as that block does.
