@@ -125,12 +125,12 @@ protected:
             succeeded = append_under(set_limit, cut);
             found = states_in(cut);
         });
-        if (!written_.stopped_a_flush()) {
+        if (!written_.hit_in_flush) {
             EXPECT_EQ(found.wrong, 0);
         }
         EXPECT_TRUE(!succeeded || found.good == after) << found.good << " good states";
         (succeeded ? succeeded_ : failed_) += 1;
-        if (!written_.stopped_a_flush()) fewest_ = std::min(fewest_, found.good);
+        if (!written_.hit_in_flush) fewest_ = std::min(fewest_, found.good);
     }
 
     // The same under many limits.

@@ -72,6 +72,10 @@ TEST(WriteThat, finds_the_disk_full_is_told_and_changes_nothing_else)
 {
     sweep_writes("ENOSPC from there", 1, Fault::full_from_here);
 }
+TEST(WriteThat, finds_no_more_blocks_is_told_and_leaves_no_flush_in_part)
+{
+    sweep_writes("no more blocks", 5, Fault::no_more_blocks);
+}
 TEST(WriteThat, is_short_is_continued) { sweep_writes("short", 2, Fault::short_once); }
 TEST(WriteThat, is_torn_is_told_and_changes_nothing_else) { sweep_writes("torn", 3, Fault::torn_once); }
 TEST(WriteThat, a_kill_prevents_changes_nothing_else) { sweep_writes("kill at a write", 4, Fault::killed); }

@@ -42,7 +42,7 @@ Fault fate()
     const bool lasts = d.fault == Fault::full_from_here || d.fault == Fault::no_more_blocks;
     if (now > d.at) return lasts ? d.fault : Fault::none;
     d.hit = true;
-    d.hit_in_flush = d.flushing > 0;
+    d.hit_in_flush = d.flushing > 0 && d.fault != Fault::no_more_blocks;
     if (d.fault == Fault::killed) raise(SIGKILL);
     return d.fault;
 }

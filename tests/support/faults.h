@@ -26,12 +26,11 @@ struct Disk {
         std::numeric_limits<off_t>::max();  // files may claim any length, but have no byte from here on
     long writes = 0;
     int flushing = 0;  // nested calls that write out what is held back
-    bool hit = false, hit_in_flush = false;
+    bool hit = false;
+    // HDF5 writes what it holds back piece by piece, so that a fault leaves it in part. A disk that has no
+    // more blocks must not: never true of that fault.
+    bool hit_in_flush = false;
     bool flushed = false;  // before that, by a test that says so
-
-    // HDF5 writes what it holds back piece by piece. A disk that is full only has no more blocks: that must
-    // not happen in the middle.
-    bool stopped_a_flush() const { return hit_in_flush && fault != Fault::no_more_blocks; }
 
     // Counts writes from 0 again.
     void fail(Fault kind, long write);
