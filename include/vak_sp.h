@@ -111,7 +111,7 @@ VAK_API void VAK1_CLOSE(const vak_id *group_id, int32_t *ierr);
 /* Hands what was written so far to the operating system: scope 0 the whole file with all that is mounted or linked
  * open in it, 1 the file alone, any other nothing. Everything written before it reads in a file opened by VAK_OPEN
  * even when the process is killed between two later calls. A flush that finds no room on the disk writes nothing, and
- * may be repeated when there is some; after one that failed on its way the file is written no more.
+ * may be repeated when there is some; after one that failed on its way writers fail until another succeeds.
  * ierr: always 0; what could not be written shows in VAK_CLOSE. */
 VAK_API void VAK_FLUSH(const vak_id *id, const int32_t *scope, int32_t *ierr);
 VAK_API void VAK1_FLUSH(const vak_id *id, const int32_t *scope, int32_t *ierr);

@@ -227,7 +227,7 @@ int32_t check(DatasetWrite& w)
     if (VAK_H5gettype(w.type, w.vak_size, &stored_class, &number) < 0) return fail(w, 3, -1, -3002);
     if (w.type != real_type && w.vak_size < w.data_size) return fail(w, 4, 0, -3003);
     const bool countable = elements_of(w.part.counts(), std::max(w.data_size, w.vak_size)).has_value();
-    return countable && w.data != nullptr ? 0 : fail(w, 999, -1, -3999);
+    return countable && w.data != nullptr && is_writable(w.location.id) ? 0 : fail(w, 999, -1, -3999);
 }
 
 }  // namespace

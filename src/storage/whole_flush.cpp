@@ -29,7 +29,10 @@ struct WatchedFile {
     off_t reserved = 0;   // and from the end of the file on up to here
     bool has_slack = false;
     bool can_reserve = true;
+    bool has_failed = false;  // a flush on its way: what it lacks may still come
     bool is_shut = false;
+
+    bool is_writable() const { return !has_failed && !is_shut; }
 };
 
 std::vector<WatchedFile>& watched_files()
@@ -110,9 +113,9 @@ bool flush_watched(WatchedFile& f, hid_t file, hid_t object, H5F_scope_t scope)
 {
     if (f.is_shut || !fill_holes(f, end_of(file))) return false;
     f.reserved = 0;  // HDF5 cuts the file at its end
-    if (H5Fflush(object, scope) >= 0) return true;
-    shut(f);
-    return false;
+    const bool good = H5Fflush(object, scope) >= 0;
+    f.has_failed = !good;
+    return good;
 }
 
 }  // namespace
@@ -138,7 +141,7 @@ Room keep_room(hid_t object, hsize_t bytes)
 {
     const File file(H5Iget_file_id(object));
     WatchedFile* f = find(file.get());
-    if (f != nullptr && f->is_shut) return Room::shut;
+    if (f != nullptr && !f->is_writable()) return Room::shut;
     if (f == nullptr || !f->can_reserve) return Room::unknown;
     const off_t end = end_of(file.get());
     const off_t more = static_cast<off_t>(bytes);
@@ -153,6 +156,13 @@ bool flush_whole(hid_t object, H5F_scope_t scope)
     const File file(H5Iget_file_id(object));
     WatchedFile* f = find(file.get());
     return f == nullptr ? H5Fflush(object, scope) >= 0 : flush_watched(*f, file.get(), object, scope);
+}
+
+bool is_writable(hid_t object)
+{
+    const auto& files = watched_files();
+    if (std::ranges::all_of(files, &WatchedFile::is_writable)) return true;
+    return keep_room(object) != Room::shut;
 }
 
 void shut_file(hid_t object)
@@ -174,7 +184,7 @@ void release_room(hid_t file, bool is_flushed)
     WatchedFile* f = find(file);
     if (f == nullptr) return;
     struct stat now {};
-    if (!is_flushed && !f->is_shut) shut(*f);
+    if (!is_flushed && f->is_writable()) shut(*f);
     if (!f->is_shut && f->has_slack && fstat(f->descriptor, &now) == 0)
         f->has_slack = ftruncate(f->descriptor, now.st_size) != 0;
     auto& files = watched_files();
