@@ -83,7 +83,8 @@ std::vector<BlockEntry> lookup(const File& file, Layout layout)
     std::free(offsets);
     std::free(paths);
     if (status != 0)
-        throw cli::Problem("the blocks could not all be listed; the file is damaged, or its groups are nested too deeply");
+        throw cli::Problem(
+            "the blocks could not all be listed; the file is damaged, or its groups are nested too deeply");
     return found;
 }
 

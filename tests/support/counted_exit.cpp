@@ -1,4 +1,5 @@
-// For a build that counts lines: processes that tests fork end by _exit, which would leave what they ran uncounted.
+// For a build that counts lines: processes that tests fork end by _exit, which would leave what they ran
+// uncounted.
 #include <sys/syscall.h>
 #include <unistd.h>
 
