@@ -130,7 +130,9 @@ protected:
         }
         EXPECT_TRUE(!succeeded || found.good == after) << found.good << " good states";
         (succeeded ? succeeded_ : failed_) += 1;
-        if (!written_.hit_in_flush) fewest_ = std::min(fewest_, found.good);
+        // A disk that refuses to overwrite does not take old bytes back either.
+        if (!written_.hit_in_flush && written_.fault != Fault::full_from_here)
+            fewest_ = std::min(fewest_, found.good);
     }
 
     // The same under many limits.
