@@ -57,6 +57,14 @@ off_t end_of(hid_t file)
     return H5Fget_eoa(file, &end) < 0 ? 0 : static_cast<off_t>(end);
 }
 
+// HDF5 counts its addresses from behind such a block, so they are not places in the file.
+bool has_user_block(hid_t file)
+{
+    const Properties creation(H5Fget_create_plist(file));
+    hsize_t size = 0;
+    return H5Pget_userblock(creation.get(), &size) < 0 || size > 0;
+}
+
 bool is_a_full_disk(int error)
 {
     return error == ENOSPC || error == EDQUOT || error == EFBIG || error == EIO;
@@ -126,7 +134,7 @@ void watch_room(hid_t file)
     void* handle = nullptr;
     const Properties access(H5Fget_access_plist(file));
     if (!access.valid() || H5Pget_driver(access.get()) != H5FD_SEC2) return;
-    if (find(file) != nullptr || H5Fget_fileno(file, &f.number) < 0) return;
+    if (find(file) != nullptr || has_user_block(file) || H5Fget_fileno(file, &f.number) < 0) return;
     if (H5Fget_vfd_handle(file, H5P_DEFAULT, &handle) < 0 || handle == nullptr) return;
     f.descriptor = *static_cast<int*>(handle);
     f.whole = end_of(file);

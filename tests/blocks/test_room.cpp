@@ -177,6 +177,27 @@ TEST_P(RoomInAFile, what_was_reserved_beyond_its_end_goes_when_it_is_closed)
     EXPECT_LE(now.st_blocks * block, (now.st_size + page - 1) / page * page + page);
 }
 
+// Addresses are not places in such a file, so nothing is reserved by them.
+TEST_P(RoomInAFile, file_with_a_user_block_is_written_as_any_file_of_hdf5)
+{
+    constexpr hsize_t user_block = 1024;
+    const hid_t creation = H5Pcreate(H5P_FILE_CREATE);
+    H5Pset_userblock(creation, user_block);
+    H5Fclose(H5Fcreate(path("room.h5").c_str(), H5F_ACC_TRUNC, creation, H5P_DEFAULT));
+    H5Pclose(creation);
+    disk().mend();
+    const vak_id group = opened(9);
+    EXPECT_EQ(write(group, 0), 0);
+    EXPECT_EQ(write(group, 1, 20'000), 0);
+    struct stat now {};
+    ASSERT_EQ(stat(path("room.h5").c_str(), &now), 0);
+    EXPECT_LT(now.st_blocks * 512, now.st_size + 65536);
+    EXPECT_EQ(close(group), 0);
+    const vak_id again = opened(10);
+    EXPECT_TRUE(reads(again, 0));
+    close(again);
+}
+
 // The first state needs no more than was reserved before the disk became full.
 TEST_P(RoomInAFile, blocks_that_were_written_before_the_disk_was_full_are_in_the_file)
 {
