@@ -17,7 +17,6 @@
 #include "samples/multielementresults.h"
 #include "samples/multientityresults.h"
 #include "samples/parts.h"
-#include "samples/properties.h"
 #include "samples/sparsematrix.h"
 #include "samples/system.h"
 #include "samples/text.h"
@@ -26,27 +25,13 @@
 #include "samples/variablegroup.h"
 #include "samples/variables1.h"
 #include "support/block_test.h"
+#include "tools/merge_samples.h"
 #include "tools/merge_test.h"
 
 using namespace vak;
 using namespace vak::test;
 
 namespace {
-
-// The element results writer leaves its group open.
-template <class S>
-void write_closed(const S& sample, hid_t file)
-{
-    EXPECT_GE(sample.write(file), 0);
-    hid_t group = H5I_INVALID_HID;
-    if (H5Fget_obj_ids(file, H5F_OBJ_GROUP, 1, &group) == 1) H5Gclose(group);
-}
-
-// Where a listing finds it.
-struct Properties : PropertyTables {
-    static std::string path() { return "properties/SHELL/vakblock"; }
-    int32_t write(hid_t file) const { return write_into(open_or_create_group(file, path()).group.get()); }
-};
 
 // HDF5 copies what a group holds in the order of the names.
 template <class S>
@@ -154,7 +139,7 @@ TEST_P(MergeLayout, of_model_blocks_is_that_of_their_writers)
     expect_same_form<ActivFlags>();
     if (legacy()) return;
     expect_same_form<Identifiers>();
-    expect_same_form<Properties>();
+    expect_same_form<ListedProperties>();
 }
 
 TEST_P(MergeLayout, of_collectors_is_that_of_their_writer)
@@ -177,7 +162,7 @@ TEST_P(MergeLayout, of_double_precision_model_blocks_is_that_of_their_writers)
     expect_same_form(wide(ascending<Attributes>()));
     expect_same_form(wide(sample_of<Connectivities>(family())));
     expect_same_form(wide(sample_of<Collector>(family())));
-    if (!legacy()) expect_same_form(wide(ascending<Properties>()));
+    if (!legacy()) expect_same_form(wide(ascending<ListedProperties>()));
 }
 
 TEST_P(MergeLayout, of_results_is_that_of_their_writers)

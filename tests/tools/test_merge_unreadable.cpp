@@ -12,28 +12,14 @@
 #include "samples/multielementresults.h"
 #include "samples/multientityresults.h"
 #include "samples/parts.h"
-#include "samples/properties.h"
 #include "samples/text.h"
 #include "tools/merge_failures.h"
+#include "tools/merge_samples.h"
 
 using namespace vak;
 using namespace vak::test;
 
 namespace {
-
-// The element results writer leaves its group open.
-template <class S>
-void write_closed(const S& sample, hid_t file)
-{
-    EXPECT_GE(sample.write(file), 0);
-    hid_t group = H5I_INVALID_HID;
-    if (H5Fget_obj_ids(file, H5F_OBJ_GROUP, 1, &group) == 1) H5Gclose(group);
-}
-
-struct Properties : PropertyTables {
-    static std::string path() { return "properties/SHELL/vakblock"; }
-    int32_t write(hid_t file) const { return write_into(open_or_create_group(file, path()).group.get()); }
-};
 
 std::vector<std::string> links_of(hid_t file, const std::string& group)
 {
@@ -193,7 +179,7 @@ TEST_P(MergeUnreadable, is_a_block_that_lacks_an_array)
     lack_each_array<Collector>();
     if (legacy()) return;
     lack_each_array<Identifiers>();
-    lack_each_array<Properties>();
+    lack_each_array<ListedProperties>();
 }
 
 TEST_P(MergeUnreadable, is_a_block_that_lacks_an_attribute)
