@@ -48,9 +48,9 @@ protected:
         return disk_then;
     }
 
-    vak_id opened(int32_t option)
+    vak_id opened(int32_t option, const std::string& file_name = "room.h5")
     {
-        const std::string name = path("room.h5");
+        const std::string name = path(file_name);
         const auto length = static_cast<int32_t>(name.size());
         const int32_t none = 0;
         vak_id group = 0;
@@ -80,7 +80,7 @@ protected:
         s.state = number;
         return s;
     }
-    int32_t write(vak_id group, int32_t number, int32_t nent = 3) const
+    EntityResults ones(int32_t number, int32_t nent = 3) const
     {
         EntityResults s = state(number);
         s.nent = nent;
@@ -88,8 +88,12 @@ protected:
         s.tables.fid.assign(static_cast<size_t>(nent), 8);
         s.tables.weight.assign(static_cast<size_t>(nent), 1);
         s.res.assign(static_cast<size_t>(nent) * 2, 1);
+        return s;
+    }
+    int32_t write(vak_id group, int32_t number, int32_t nent = 3) const
+    {
         int32_t ierr = 0;
-        captured_unnoted([&] { ierr = s.write(group); });
+        captured_unnoted([&] { ierr = ones(number, nent).write(group); });
         return ierr;
     }
     bool reads(vak_id group, int32_t number) const
@@ -103,6 +107,13 @@ protected:
         return good;
     }
 
+    static std::vector<float> values_of(vak_id group, const EntityResults& block)
+    {
+        EntityResults found = emptied(block);
+        EXPECT_GE(found.read(open_object(group, block.path()), 2), 0);
+        return found.res;
+    }
+
     // A file with a state that was flushed and one that was not.
     vak_id with_two_states()
     {
@@ -111,6 +122,29 @@ protected:
         flush(group);
         EXPECT_EQ(write(group, 1), 0);
         return group;
+    }
+    // Such a file, of which the next flush failed on its way, at any of its writes.
+    void after_a_flush_that_fails(
+        const std::function<void(vak_id)>& then, const std::function<void(vak_id)>& before = [](vak_id) {})
+    {
+        const auto fail_at = [&](long write_that_fails) {
+            const vak_id group = with_two_states();
+            before(group);
+            disk().fail(Fault::io_error_once, write_that_fails);
+            flush(group);
+            if (disk().hit_in_flush) then(group);  // but when room was reserved
+        };
+        bool failed = false;
+        for (long at = 0; at < 10; ++at)
+            failed = in_a_process_of_its_own([&] { fail_at(at); }).hit_in_flush || failed;
+        EXPECT_TRUE(failed);
+    }
+    off_t bytes_beyond_its_end() const
+    {
+        constexpr off_t block = 512;
+        struct stat now {};
+        EXPECT_EQ(stat(path("room.h5").c_str(), &now), 0);
+        return now.st_blocks * block - now.st_size;
     }
 };
 
@@ -146,11 +180,7 @@ TEST_P(RoomInAFile, close_that_finds_none_tells_and_leaves_the_last_flush)
 
 TEST_P(RoomInAFile, after_a_flush_that_failed_on_its_way_nothing_new_is_written_until_another_succeeds)
 {
-    const auto fail_at = [&](long write_that_fails) {
-        const vak_id group = with_two_states();
-        disk().fail(Fault::io_error_once, write_that_fails);
-        flush(group);
-        if (!disk().hit_in_flush) return;  // but when room was reserved
+    after_a_flush_that_fails([&](vak_id group) {
         EXPECT_LT(write(group, 2), 0);
         EXPECT_LT(write(group, 3, 20'000), 0);
         EXPECT_TRUE(reads(group, 0));
@@ -161,20 +191,55 @@ TEST_P(RoomInAFile, after_a_flush_that_failed_on_its_way_nothing_new_is_written_
         for (const int32_t number : {0, 1, 2}) EXPECT_TRUE(reads(again, number));
         EXPECT_FALSE(reads(again, 3));
         close(again);
+    });
+}
+
+// As the lower entries write.
+TEST_P(RoomInAFile, nor_is_it_to_a_group_that_was_opened_before)
+{
+    hid_t block = H5I_INVALID_HID;
+    const auto open_block = [&](vak_id group) {
+        block = H5Gopen2(group, state(1).path().c_str(), H5P_DEFAULT);
     };
-    bool failed = false;
-    for (long at = 0; at < 10; ++at)
-        failed = in_a_process_of_its_own([&] { fail_at(at); }).hit_in_flush || failed;
-    EXPECT_TRUE(failed);
+    const auto write_values = [&] {
+        int32_t ierr = 0;
+        captured_unnoted([&] { ierr = state(1).write_parts(block, H5I_INVALID_HID, {.what = 8}); });
+        return ierr;
+    };
+    const auto write_into_it = [&](vak_id group) {
+        EXPECT_EQ(write_values(), -3999);
+        flush(group);
+        EXPECT_EQ(values_of(group, state(1)), ones(1).res);
+        EXPECT_EQ(write_values(), 0);
+        H5Gclose(block);
+        EXPECT_EQ(close(group), 0);
+        const vak_id again = opened(10);
+        EXPECT_EQ(values_of(again, state(1)), state(1).res);
+        close(again);
+    };
+    after_a_flush_that_fails(write_into_it, open_block);
+}
+
+TEST_P(RoomInAFile, but_other_files_are)
+{
+    after_a_flush_that_fails([&](vak_id group) {
+        const vak_id other = opened(8, "other.h5");
+        EXPECT_EQ(write(other, 2), 0);
+        EXPECT_EQ(close(other), 0);
+        EXPECT_LT(write(group, 2), 0);
+        const vak_id again = opened(10, "other.h5");
+        EXPECT_TRUE(reads(again, 2));
+        EXPECT_EQ(close(again), 0);
+        flush(group);
+        EXPECT_EQ(close(group), 0);
+    });
 }
 
 TEST_P(RoomInAFile, what_was_reserved_beyond_its_end_goes_when_it_is_closed)
 {
     EXPECT_EQ(close(with_two_states()), 0);
-    struct stat now {};
-    ASSERT_EQ(stat(path("room.h5").c_str(), &now), 0);
-    constexpr intmax_t block = 512, page = 4096;
-    EXPECT_LE(now.st_blocks * block, (now.st_size + page - 1) / page * page + page);
+    constexpr off_t page = 4096;
+    EXPECT_LT(bytes_beyond_its_end(), 2 * page);
 }
 
 // Addresses are not places in such a file, so nothing is reserved by them.
@@ -189,12 +254,24 @@ TEST_P(RoomInAFile, file_with_a_user_block_is_written_as_any_file_of_hdf5)
     const vak_id group = opened(9);
     EXPECT_EQ(write(group, 0), 0);
     EXPECT_EQ(write(group, 1, 20'000), 0);
-    struct stat now {};
-    ASSERT_EQ(stat(path("room.h5").c_str(), &now), 0);
-    EXPECT_LT(now.st_blocks * 512, now.st_size + 65536);
+    EXPECT_LT(bytes_beyond_its_end(), 65536);
     EXPECT_EQ(close(group), 0);
     const vak_id again = opened(10);
     EXPECT_TRUE(reads(again, 0));
+    close(again);
+}
+
+TEST_P(RoomInAFile, file_on_a_file_system_that_cannot_reserve_is_written_without)
+{
+    disk().fail(Fault::cannot_reserve, 0);
+    const vak_id group = with_two_states();
+    flush(group);
+    EXPECT_EQ(write(group, 2, 20'000), 0);
+    EXPECT_LT(bytes_beyond_its_end(), 65536);
+    EXPECT_EQ(close(group), 0);
+    const vak_id again = opened(10);
+    for (const EntityResults& block : {ones(0), ones(1), ones(2, 20'000)})
+        EXPECT_EQ(values_of(again, block), block.res);
     close(again);
 }
 

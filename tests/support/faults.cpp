@@ -39,7 +39,8 @@ Fault fate()
     Disk& d = disk();
     const long now = d.writes++;
     if (d.fault == Fault::none || now < d.at) return Fault::none;
-    const bool lasts = d.fault == Fault::full_from_here || d.fault == Fault::no_more_blocks;
+    const bool lasts = d.fault == Fault::full_from_here || d.fault == Fault::no_more_blocks ||
+                       d.fault == Fault::cannot_reserve;
     if (now > d.at) return lasts ? d.fault : Fault::none;
     d.hit = true;
     d.hit_in_flush = d.flushing > 0 && d.fault != Fault::no_more_blocks;
@@ -117,6 +118,7 @@ ssize_t write_on_this_disk(int file, const void* bytes, size_t count, off_t at)
 {
     switch (fate()) {
         case Fault::none:
+        case Fault::cannot_reserve:
         case Fault::killed: return write_on(file, bytes, count, at);
         case Fault::full_from_here: return refused(ENOSPC);
         case Fault::no_more_blocks: return write_on(file, bytes, count, at, false);
@@ -147,6 +149,7 @@ int reserve_on_this_disk(int file, int mode, off_t at, off_t length)
         case Fault::full_from_here: return static_cast<int>(refused(ENOSPC));
         case Fault::torn_once:
         case Fault::io_error_once: return static_cast<int>(refused(EIO));
+        case Fault::cannot_reserve: return static_cast<int>(refused(EOPNOTSUPP));
         default: break;
     }
     if (room_for(file, at, count, now != Fault::no_more_blocks) < count)

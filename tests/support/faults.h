@@ -16,6 +16,7 @@ enum class Fault {
     short_once,      // half of the bytes are written, and said so
     torn_once,       // half of the bytes are written, then EIO
     killed,          // the process ends before the write
+    cannot_reserve,  // from that write on: a file system that has no such call
 };
 
 // In memory that forked processes share.

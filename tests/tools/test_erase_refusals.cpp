@@ -48,6 +48,12 @@ extern "C" herr_t H5Dwrite_chunk(hid_t set, hid_t transfer, uint32_t mask, const
             "H5Dwrite_chunk");
     return vak::test::refuses_now("H5Dwrite_chunk", "") ? -1 : original(set, transfer, mask, at, size, bytes);
 }
+extern "C" herr_t H5Dread_chunk(hid_t set, hid_t transfer, const hsize_t* at, uint32_t* mask, void* bytes)
+{
+    static const auto original =
+        vak::test::next<herr_t (*)(hid_t, hid_t, const hsize_t*, uint32_t*, void*)>("H5Dread_chunk");
+    return vak::test::refuses_now("H5Dread_chunk", "") ? -1 : original(set, transfer, at, mask, bytes);
+}
 extern "C" herr_t H5Fflush(hid_t object, H5F_scope_t scope)
 {
     static const auto original = vak::test::next<herr_t (*)(hid_t, H5F_scope_t)>("H5Fflush");
@@ -145,6 +151,25 @@ TEST_P(RefusedErasing, series_that_cannot_be_written_is_told_and_stays)
     expect_series(s);
     EXPECT_THAT(stored(s), testing::Not(testing::HasSubstr("states being")));
     EXPECT_EQ(erase({1}), erased());
+    expect_series(only(s, {0}));
+}
+
+// When the states are checked, and again when they are copied.
+TEST_P(RefusedErasing, chunk_that_cannot_be_read_is_told_and_the_series_stays)
+{
+    const auto s = write_series();
+    int call = 0;
+    for (;; ++call) {
+        const Result result = erase_refusing("H5Dread_chunk", "", call);
+        if (!was_refused) break;
+        EXPECT_EQ(result.ierr, -6999) << call;
+        EXPECT_EQ(result.output.out, "") << call;
+        EXPECT_THAT(result.output.err, testing::StartsWith(frame_warnings())) << call;
+        EXPECT_THAT(result.output.err, testing::HasSubstr("error code = -6999")) << call;
+        expect_series(s);
+        EXPECT_THAT(stored(s), testing::Not(testing::HasSubstr("states being"))) << call;
+    }
+    EXPECT_GT(call, 0);
     expect_series(only(s, {0}));
 }
 

@@ -1,6 +1,8 @@
 // What is in a domain file and cannot be read ends the merge: a target without it would look complete.
 #include <gtest/gtest.h>
 
+#include <numeric>
+
 #include "samples/activflags.h"
 #include "samples/attributes.h"
 #include "samples/collector.h"
@@ -12,6 +14,7 @@
 #include "samples/multielementresults.h"
 #include "samples/multientityresults.h"
 #include "samples/parts.h"
+#include "samples/sparsematrix.h"
 #include "samples/text.h"
 #include "tools/merge_failures.h"
 #include "tools/merge_samples.h"
@@ -134,6 +137,15 @@ protected:
         const std::string garbage(40, '#');
         EXPECT_GE(H5Dwrite_chunk(dataset, H5P_DEFAULT, 0, corner, garbage.size(), garbage.data()), 0);
     }
+    template <class S>
+    void damage_chunk_of_a_copied(const S& block, const std::string& array)
+    {
+        SCOPED_TRACE(array);
+        restart();
+        damage_chunk(add(block), block.path() + data() + array);
+        expect_failure(reading(S::type), -6999);
+        EXPECT_FALSE(exists(target(), block.path()));
+    }
 };
 
 // What the catalogue lists nothing of would be missing in the target.
@@ -222,19 +234,54 @@ TEST_P(MergeUnreadable, are_damaged_chunks_of_blocks_that_are_copied)
     matrix.val = some_values(24);
     matrix.flags = 2;
     matrix.params[1] = 6;
-    damage_chunk(add(matrix), matrix.path() + data() + "val");
-    expect_failure(reading("densematrix"), -6999);
-    EXPECT_FALSE(exists(target(), matrix.path()));
+    damage_chunk_of_a_copied(matrix, "val");
 
-    restart();
     auto text = sample_of<Text>(family());
     text.nlines = 20;
     text.line = std::string(static_cast<size_t>(20 * text.length), 'x');
     text.flags = 4;
     text.params[1] = 6;
-    damage_chunk(add(text), text.path() + data() + "line");
-    expect_failure(reading("text"), -6999);
-    EXPECT_FALSE(exists(target(), text.path()));
+    damage_chunk_of_a_copied(text, "line");
+
+    auto sparse = sample_of<SparseMatrix>(family());
+    sparse.nrow = 40;
+    sparse.nnz = 40;
+    sparse.colind.assign(40, 1);
+    sparse.rowptr.resize(41);
+    std::iota(sparse.rowptr.begin(), sparse.rowptr.end(), 0);
+    sparse.val = some_values(40);
+    sparse.flags = 1;
+    sparse.params[1] = 6;
+    damage_chunk_of_a_copied(sparse, "colind");
+    damage_chunk_of_a_copied(sparse, "rowptr");
+}
+
+// No reader of ours reads them.
+TEST_P(MergeUnreadable, are_no_chunks_of_a_type_that_the_library_does_not_store)
+{
+    const auto matrix = sample_of<DenseMatrix>(family());
+    const std::string records = matrix.path() + data() + "records";
+    const TypeId type(H5Tcreate(H5T_COMPOUND, 8), "type");
+    H5Tinsert(type, "from", 0, H5T_STD_I32LE);
+    H5Tinsert(type, "to", 4, H5T_STD_I32LE);
+    const std::vector<int32_t> values{1, 2, 3, 4, 5, 6};
+    {
+        const hsize_t extent = 3;
+        const SpaceId space(H5Screate_simple(1, &extent, nullptr), "space");
+        const PropertiesId chunked(H5Pcreate(H5P_DATASET_CREATE), "list");
+        H5Pset_chunk(chunked, 1, &extent);
+        H5Pset_deflate(chunked, 6);
+        const ObjectId made(
+            H5Dcreate2(add(matrix), records.c_str(), type, space, H5P_DEFAULT, chunked, H5P_DEFAULT),
+            records);
+        EXPECT_GE(H5Dwrite(made, type, H5S_ALL, H5S_ALL, H5P_DEFAULT, values.data()), 0);
+    }
+    EXPECT_EQ(merge(), 0) << printed();
+    std::vector<int32_t> found(values.size());
+    const ObjectId copied = open_object(target(), records);
+    EXPECT_GE(H5Dread(copied, type, H5S_ALL, H5S_ALL, H5P_DEFAULT, found.data()), 0);
+    EXPECT_EQ(found, values);
+    EXPECT_EQ(dataset_values<float>(target(), matrix.path() + data() + "val"), matrix.val);
 }
 
 TEST_P(MergeUnreadable, is_not_a_copied_block_with_filters)
