@@ -10,6 +10,7 @@
 
 #include "samples/entityresults.h"
 #include "support/block_test.h"
+#include "support/failing_memory.h"
 #include "support/faults.h"
 
 namespace vak::test {
@@ -48,15 +49,18 @@ protected:
         return disk_then;
     }
 
-    vak_id opened(int32_t option, const std::string& file_name = "room.h5")
+    static int32_t open(const std::string& name, int32_t option, vak_id& group)
     {
-        const std::string name = path(file_name);
         const auto length = static_cast<int32_t>(name.size());
         const int32_t none = 0;
-        vak_id group = 0;
         int32_t ierr = 4711;
         VAK_OPEN(name.data(), &length, "", &none, "", &none, &group, &none, &option, &ierr);
-        EXPECT_EQ(ierr, 0);
+        return ierr;
+    }
+    vak_id opened(int32_t option, const std::string& file_name = "room.h5")
+    {
+        vak_id group = 0;
+        EXPECT_EQ(open(path(file_name), option, group), 0);
         return group;
     }
     int32_t close(vak_id group)
@@ -273,6 +277,31 @@ TEST_P(RoomInAFile, file_on_a_file_system_that_cannot_reserve_is_written_without
     for (const EntityResults& block : {ones(0), ones(1), ones(2, 20'000)})
         EXPECT_EQ(values_of(again, block), block.res);
     close(again);
+}
+
+TEST_P(RoomInAFile, file_that_there_is_no_memory_to_watch_is_written_without)
+{
+    const std::string name = path("room.h5");
+    int unwatched = 0;
+    long allocation = 0;
+    for (bool ran_out = true; ran_out; ++allocation) {
+        vak_id group = 0;
+        int32_t ierr = 0;
+        const auto open_it = [&] { ierr = open(name, 8, group); };
+        const Output output = captured([&] { ran_out = runs_out_at(allocation, open_it); });
+        EXPECT_EQ(output.err, ierr == 0 ? "" : "VAK ERROR - out of memory\n") << allocation;
+        if (ierr != 0) continue;
+        EXPECT_EQ(write(group, 0), 0);
+        EXPECT_EQ(write(group, 1, 20'000), 0);
+        if (ran_out && bytes_beyond_its_end() < 65536) ++unwatched;
+        EXPECT_EQ(close(group), 0);
+        const vak_id again = opened(10);
+        for (const EntityResults& block : {ones(0), ones(1, 20'000)})
+            EXPECT_EQ(values_of(again, block), block.res);
+        close(again);
+    }
+    EXPECT_GT(unwatched, 0);
+    EXPECT_GT(allocation, 2);
 }
 
 // The first state needs no more than was reserved before the disk became full.

@@ -2,6 +2,7 @@
 // it.
 #include "frame/frame_test.h"
 #include "storage/refusal.h"
+#include "support/failing_memory.h"
 
 // clang-format off
 MAY_REFUSE(herr_t, H5Pset_elink_cb, (hid_t l, H5L_elink_traverse_t f, void* d), (l, f, d))
@@ -52,6 +53,29 @@ TEST_P(LinkGuard, that_cannot_be_set_is_told_by_the_opening_of_a_file)
     close_left_file(name);
     EXPECT_EQ(o.output,
               (Output{"", " VAK ERROR - vak_open - file " + name + " - Cannot open group \"post\".\n"}));
+}
+
+// In the middle of HDF5's way through the link.
+TEST_P(LinkGuard, without_memory_to_look_at_the_target_nothing_is_opened_and_that_is_told)
+{
+    const std::string name = made_file("run.h5");
+    H5Lcreate_external(name.c_str(), "/post", file, "link", H5P_DEFAULT, H5P_DEFAULT);
+    for (const int32_t ioflag : {0, 1, 2}) {
+        const int32_t length = 4;
+        long allocation = 0;
+        for (bool ran_out = true; ran_out; ++allocation) {
+            vak_id group = 4711;
+            int32_t ierr = 4711;
+            const auto open = [&] { GetParam().h5gopen(&file, "link", &length, &ioflag, &group, &ierr); };
+            const Output output = captured([&] { ran_out = runs_out_at(allocation, open); });
+            SCOPED_TRACE(allocation);
+            EXPECT_EQ(ierr < 0, ran_out);
+            EXPECT_EQ(group == -1, ran_out);
+            EXPECT_EQ(output.err.find("VAK ERROR - ") == 0, ran_out) << output;
+            if (group >= 0) H5Gclose(group);
+        }
+        EXPECT_GT(allocation, 5);
+    }
 }
 
 }  // namespace vak::test
