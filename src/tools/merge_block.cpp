@@ -47,9 +47,19 @@ void warn_of_repeats(const DomainBlock& s)
         s.file, s.key, s.path.c_str());
 }
 
+// Before so many are read. What the arrays do not bear out, reading them tells.
+bool has_too_many_rows(Join& join, const Column& ids)
+{
+    int64_t rows = 0;
+    for (SourceBlock& s : join.sources)
+        if (s.stored(ids).dims == Extents{static_cast<hsize_t>(s.count)}) rows += s.count;
+    return !fits_count(rows);
+}
+
 int32_t find_order(Join& join)
 {
     const Column& column = *std::ranges::find(join.kind.columns, Role::ids, &Column::role);
+    if (has_too_many_rows(join, column)) return write_failed(join.type(), refuse_total(join.kind.kind));
     OrderCache::Search search(join.merge.orders);
     Bytes& ids = join.merge.scratch.read;
     for (SourceBlock& s : join.sources) {
@@ -57,8 +67,6 @@ int32_t find_order(Join& join)
         if (status != 0) return read_failed(join.type(), 2, status);
         search.add({reinterpret_cast<const int32_t*>(ids.data()), ids.size() / sizeof(int32_t)});
     }
-    if (!fits_count(static_cast<int64_t>(search.rows())))
-        return write_failed(join.type(), refuse_total(join.kind.kind));
     join.order = search.order();
     for (size_t i = 0; i < join.sources.size(); ++i)
         if (!join.order->superseded[i].empty()) warn_of_repeats(join.sources[i].source);

@@ -205,7 +205,6 @@ void OrderCache::Search::add(std::span<const int32_t> ids)
     }
     if (candidates_.empty()) own_.emplace_back(ids.begin(), ids.end());
     ++n_;
-    rows_ += ids.size();
 }
 
 std::shared_ptr<const Order> OrderCache::Search::order()

@@ -54,7 +54,6 @@ public:
         explicit Search(OrderCache&);
         void add(std::span<const int32_t> ids);
         std::shared_ptr<const Order> order();
-        size_t rows() const { return rows_; }
 
     private:
         using Candidate = std::list<Entry>::iterator;
@@ -63,7 +62,7 @@ public:
         OrderCache& cache_;
         std::vector<Candidate> candidates_;
         std::vector<Ids> own_;  // from when no candidate is left
-        size_t n_ = 0, rows_ = 0;
+        size_t n_ = 0;
     };
 };
 

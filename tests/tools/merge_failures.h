@@ -40,14 +40,14 @@ protected:
         EXPECT_GE(H5Ldelete(domain, dataset.c_str(), H5P_DEFAULT), 0);
     }
     // Puts an empty array of that type and shape in the place of a dataset.
-    void replace(hid_t domain, const std::string& dataset, hid_t type,
-                 const std::vector<hsize_t>& extents) const
+    void replace(hid_t domain, const std::string& dataset, hid_t type, const std::vector<hsize_t>& extents,
+                 hid_t creation = H5P_DEFAULT) const
     {
         remove(domain, dataset);
         const SpaceId space{H5Screate_simple(static_cast<int>(extents.size()), extents.data(), nullptr),
                             "space"};
         const ObjectId made{
-            H5Dcreate2(domain, dataset.c_str(), type, space, H5P_DEFAULT, H5P_DEFAULT, H5P_DEFAULT), dataset};
+            H5Dcreate2(domain, dataset.c_str(), type, space, H5P_DEFAULT, creation, H5P_DEFAULT), dataset};
     }
 
     // The merge ends with a line for that step and tells of no success.

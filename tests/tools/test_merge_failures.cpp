@@ -49,6 +49,49 @@ TEST_P(MergeFailures, a_count_that_the_arrays_do_not_bear_out_is_one)
     }
 }
 
+// The files are small, since nothing is stored of so many identifiers; in memory they would take 8 GiB.
+class MergeOfMany : public MergeFailures {
+protected:
+    template <class S>
+    void add_with(int32_t n, const S& block, const char* count, const char* ids, hid_t type = H5T_STD_I32LE,
+                  hid_t creation = H5P_DEFAULT)
+    {
+        const hid_t domain = add(block);
+        set_attribute(domain, block.path(), count, n);
+        replace(domain, block.path() + data() + ids, type, {static_cast<hsize_t>(n)}, creation);
+    }
+    template <class S>
+    void expect_too_many(const S& block, const char* count, const char* ids)
+    {
+        restart();
+        add_with(half, block, count, ids);
+        add_with(half, block, count, ids);
+        expect_failure("VAK ERROR writing block key " + std::to_string(S::key) + "\n" + writing(S::type), -3);
+        EXPECT_FALSE(exists(target(), block.path()));
+    }
+    static constexpr int32_t half = 1 << 30;
+};
+INSTANTIATE_TEST_SUITE_P(, MergeOfMany, both_families, family_name);
+
+TEST_P(MergeOfMany, entities_ends_where_a_count_does)
+{
+    expect_too_many(results(), "nent", "entid");
+    expect_too_many(sample_of<ActivFlags>(family()), "nent", "entid");
+    expect_too_many(sample_of<Connectivities>(family()), "nele", "idele");
+}
+
+// The first identifiers are texts, which ends the merge before the others are read.
+TEST_P(MergeOfMany, entities_reads_one_fewer)
+{
+    const hsize_t chunk = 1024;
+    const PropertiesId filtered(H5Pcreate(H5P_DATASET_CREATE), "list");
+    H5Pset_chunk(filtered, 1, &chunk);
+    H5Pset_deflate(filtered, 6);
+    add_with(half, results(), "nent", "entid", H5T_C_S1, filtered);
+    add_with(half - 1, results(), "nent", "entid");
+    expect_failure(reading("entityresults"), -6003);
+}
+
 TEST_P(MergeFailures, a_negative_count_counts_as_none)
 {
     const EntityResults r = results();
