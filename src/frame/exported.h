@@ -7,6 +7,8 @@
 #include <cstdio>
 #include <new>
 
+#include "frame/guarded_links.h"
+
 namespace vak {
 
 // Keeps HDF5's own error text off standard error, where only our line belongs, and restores
@@ -46,6 +48,7 @@ template <class Body>
 int32_t exported(Body body) noexcept
 {
     const QuietHdf5 quiet;
+    const GuardedDefault guard;
     try {
         return body();
     } catch (const std::bad_alloc&) {

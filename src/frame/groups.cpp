@@ -23,7 +23,15 @@ Group create(hid_t location, const std::string& path, hid_t link_creation, hid_t
 }
 
 // In a file that is open to read, HDF5 would wait for a writer of a FIFO that an external link leads to.
-Properties guarded() { return guarded_links(LinkedFile::as_the_file_with_the_link); }
+// HDF5's default list is as good as one of our own, where it takes the guard.
+struct LinkAccess {
+    const GuardedDefault guarded{};
+    const Properties own{guarded.valid() ? Properties()
+                                         : guarded_links(LinkedFile::as_the_file_with_the_link)};
+
+    bool valid() const { return guarded.valid() || own.valid(); }
+    hid_t list() const { return guarded.valid() ? H5P_DEFAULT : own.get(); }
+};
 
 // A path of which HDF5 cannot tell (a dataset on the way, a link that leads nowhere) is not there.
 bool exists(hid_t location, const std::string& path, hid_t access = H5P_DEFAULT)
@@ -61,10 +69,10 @@ int32_t fail_quoted(int32_t code, const std::string& path)
 
 int32_t open_creating(hid_t location, const std::string& path, Group& group)
 {
-    const Properties access = guarded();
-    const int32_t created = create_missing(location, path, access.get());
+    const LinkAccess access;
+    const int32_t created = create_missing(location, path, access.list());
     if (created < 0) return fail_unquoted(created, path);
-    group = open(location, path, access.get());
+    group = open(location, path, access.list());
     return group.valid() ? created : fail_unquoted(-10, path);
 }
 
@@ -72,10 +80,10 @@ int32_t open_creating(hid_t location, const std::string& path, Group& group)
 int32_t open_present(hid_t location, const std::string& path, Group& group,
                      int32_t (*fail)(int32_t, const std::string&))
 {
-    const Properties access = guarded();
-    group = open(location, path, access.get());
+    const LinkAccess access;
+    group = open(location, path, access.list());
     if (group.valid()) return 0;
-    return !access.valid() || exists(location, path, access.get()) ? fail(-20, path) : -1;
+    return !access.valid() || exists(location, path, access.list()) ? fail(-20, path) : -1;
 }
 
 int32_t open_by_flag(hid_t location, const std::string& path, int32_t ioflag, Group& group)
@@ -156,7 +164,8 @@ void VAK1_H5GOPEN(
 
 void VAK_H5GCLOSE(const vak_id* group_id, int32_t* ierr)
 {
-    *ierr = vak::exported([&] { return H5Gclose(*group_id) < 0 ? -1 : 0; });
+    const vak::QuietHdf5 quiet;
+    *ierr = H5Gclose(*group_id) < 0 ? -1 : 0;
 }
 
 void VAK1_H5GCLOSE(const vak_id* group_id, int32_t* ierr)

@@ -72,4 +72,17 @@ Properties guarded_links(LinkedFile opened)
     return list;
 }
 
+GuardedDefault::GuardedDefault() noexcept
+{
+    if (H5Pget_elink_cb(H5P_LINK_ACCESS_DEFAULT, &callers_, &data_) < 0) return;
+    const bool is_there = callers_ == check_target && data_ == nullptr;
+    is_ours_ = !is_there && H5Pset_elink_cb(H5P_LINK_ACCESS_DEFAULT, check_target, nullptr) >= 0;
+    is_guarded_ = is_there || is_ours_;
+}
+
+GuardedDefault::~GuardedDefault()
+{
+    if (is_ours_) H5Pset_elink_cb(H5P_LINK_ACCESS_DEFAULT, callers_, data_);
+}
+
 }  // namespace vak

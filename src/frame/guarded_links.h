@@ -10,4 +10,26 @@ namespace vak {
 enum class LinkedFile { to_read, as_the_file_with_the_link };
 Properties guarded_links(LinkedFile = LinkedFile::to_read);
 
+// While it lives, links that are met without an access list of one's own are guarded too, in files opened as
+// the one with the link: they are followed with HDF5's default list. A list of one's own for each call would
+// cost several times as much.
+class GuardedDefault {
+public:
+    GuardedDefault() noexcept;
+    ~GuardedDefault();
+    GuardedDefault(const GuardedDefault&) = delete;
+    GuardedDefault& operator=(const GuardedDefault&) = delete;
+
+    bool valid() const
+    {
+        return is_guarded_;
+    }  // later releases of HDF5 let nobody change their default lists
+
+private:
+    bool is_guarded_ = false;
+    bool is_ours_ = false;
+    H5L_elink_traverse_t callers_ = nullptr;
+    void* data_ = nullptr;
+};
+
 }  // namespace vak

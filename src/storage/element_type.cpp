@@ -35,6 +35,15 @@ Type blank_padded(hid_t base, size_t size)
     return text;
 }
 
+// Links are met by a list of our own as by HDF5's default list, which may hold a guard.
+bool follow_links_as_by_default(hid_t list)
+{
+    H5L_elink_traverse_t asked = nullptr;
+    void* data = nullptr;
+    H5Pget_elink_cb(H5P_LINK_ACCESS_DEFAULT, &asked, &data);
+    return asked == nullptr || H5Pset_elink_cb(list, asked, data) >= 0;
+}
+
 template <class T>
 int32_t store(void* place, T value)
 {
@@ -131,7 +140,8 @@ hid_t SharedIds::uncached()
 {
     if (uncached_.valid()) return uncached_.get();
     Properties list(H5Pcreate(H5P_DATASET_ACCESS));
-    if (list.valid() && H5Pset_chunk_cache(list.get(), 0, 0, H5D_CHUNK_CACHE_W0_DEFAULT) >= 0)
+    if (list.valid() && H5Pset_chunk_cache(list.get(), 0, 0, H5D_CHUNK_CACHE_W0_DEFAULT) >= 0 &&
+        follow_links_as_by_default(list.get()))
         uncached_ = std::move(list);
     return uncached_.get();
 }

@@ -14,6 +14,7 @@ template <class Body>
 void run_tool(const char* source, Body body)
 {
     const QuietHdf5 quiet;
+    const GuardedDefault guard;
     try {
         body();
     } catch (const std::bad_alloc&) {

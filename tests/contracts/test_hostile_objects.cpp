@@ -1,5 +1,7 @@
 // Each field of each block, in turn, is replaced by every other kind of HDF5 object. What means the same
 // reads as before; everything else is refused by the storage layer's line, exact in status, name and numbers.
+#include <sys/stat.h>
+
 #include <set>
 
 #include "contracts/substitutes.h"
@@ -130,6 +132,12 @@ void rename(hid_t holder, const Field& f, const char* from, const char* to)
     ASSERT_GE(status, 0) << f.name;
 }
 
+void close_left_group(hid_t file)
+{
+    hid_t left = H5I_INVALID_HID;
+    if (H5Fget_obj_ids(file, H5F_OBJ_GROUP, 1, &left) > 0) H5Gclose(left);
+}
+
 class HostileObjects : public BlockTest, public testing::WithParamInterface<AnySample> {
 protected:
     Result read(hid_t block)
@@ -149,8 +157,7 @@ protected:
     ObjectId written_block()
     {
         EXPECT_EQ(GetParam().write(file), 0);
-        hid_t left = H5I_INVALID_HID;
-        if (H5Fget_obj_ids(file, H5F_OBJ_GROUP, 1, &left) > 0) H5Gclose(left);
+        close_left_group(file);
         return open_object(file, GetParam().path);
     }
 
@@ -238,6 +245,96 @@ TEST_P(HostileObjects, in_place_of_a_subgroup_read_as_before_or_are_told_to_be_m
         }
     }
 }
+
+// HDF5 waits at a FIFO where a file is open to read: nothing behind such a link is asked for.
+class LinksToAFifo : public HostileObjects {
+protected:
+    void SetUp() override
+    {
+        HostileObjects::SetUp();
+        ASSERT_EQ(mkfifo(folder_.file("fifo").c_str(), 0600), 0);
+    }
+
+    void reopen(unsigned access)
+    {
+        const std::string name = file >= 0 ? close_file() : path("fresh.h5");
+        file = H5Fopen(name.c_str(), access, H5P_DEFAULT);
+        ASSERT_GE(file, 0);
+    }
+
+    // Calls with the file open to read, while such a link stands at that path.
+    template <class Call>
+    Result with_link_at(const std::string& place, Call one)
+    {
+        const std::string beside = place + kept;
+        reopen(H5F_ACC_RDWR);
+        EXPECT_GE(H5Lmove(file, place.c_str(), file, beside.c_str(), H5P_DEFAULT, H5P_DEFAULT), 0);
+        EXPECT_GE(H5Lcreate_external(folder_.file("fifo").c_str(), "/", file, place.c_str(), H5P_DEFAULT,
+                                     H5P_DEFAULT),
+                  0);
+        reopen(H5F_ACC_RDONLY);
+        const Result found = one();
+        reopen(H5F_ACC_RDWR);
+        EXPECT_GE(H5Ldelete(file, place.c_str(), H5P_DEFAULT), 0);
+        EXPECT_GE(H5Lmove(file, beside.c_str(), file, place.c_str(), H5P_DEFAULT, H5P_DEFAULT), 0);
+        return found;
+    }
+
+    static std::string place_of(const Field& f) { return GetParam().path + "/" + f.group + "/" + f.name; }
+
+    Result read_block() { return read(open_object(file, GetParam().path)); }
+
+    // It fails, in whichever words, for nothing can be written.
+    void expect_refused_writing(const std::string& place)
+    {
+        const Result found = with_link_at(place, [&] {
+            Result result;
+            result.output = captured([&] { result.ierr = GetParam().write(file); });
+            close_left_group(file);
+            return result;
+        });
+        EXPECT_LT(found.ierr, 0) << place;
+    }
+
+    std::vector<Field> written_datasets()
+    {
+        std::vector<Field> all = fields_of(written_block());
+        std::erase_if(all, [](const Field& f) { return f.is_attribute; });
+        return all;
+    }
+};
+
+TEST_P(LinksToAFifo, in_place_of_a_field_do_not_hold_its_reader)
+{
+    for (const Field& f : written_datasets())
+        EXPECT_EQ(with_link_at(place_of(f), [&] { return read_block(); }), told(f, not_found)) << f.name;
+}
+
+TEST_P(LinksToAFifo, in_place_of_a_subgroup_do_not_hold_its_reader)
+{
+    for (const std::string& name : subgroups_of(written_block()))
+        EXPECT_EQ(with_link_at(GetParam().path + "/" + name, [&] { return read_block(); }),
+                  failure(-1, "VAK ERROR - " + name + " not found\n"));
+}
+
+TEST_P(LinksToAFifo, in_place_of_a_field_or_subgroup_do_not_hold_its_writer)
+{
+    for (const Field& f : written_datasets()) expect_refused_writing(place_of(f));
+    for (const std::string& name : subgroups_of(open_object(file, GetParam().path)))
+        expect_refused_writing(GetParam().path + "/" + name);
+}
+
+TEST_P(LinksToAFifo, on_the_way_to_a_block_do_not_hold_its_writer)
+{
+    if (GetParam().name.starts_with("properties")) return;  // their writer is handed the group
+    written_block();
+    const std::string& block = GetParam().path;
+    expect_refused_writing(block);
+    expect_refused_writing(block.substr(0, block.find('/')));
+}
+
+INSTANTIATE_TEST_SUITE_P(Contracts, LinksToAFifo, testing::ValuesIn(all_samples()),
+                         [](const auto& sample) { return sample.param.name; });
 
 INSTANTIATE_TEST_SUITE_P(Contracts, HostileObjects, testing::ValuesIn(all_samples()),
                          [](const auto& sample) { return sample.param.name; });

@@ -78,4 +78,28 @@ TEST_P(LinkGuard, without_memory_to_look_at_the_target_nothing_is_opened_and_tha
     }
 }
 
+herr_t refuse_all(const char*, const char*, const char*, const char*, unsigned*, hid_t, void* asked)
+{
+    ++*static_cast<int*>(asked);
+    return -1;
+}
+
+// call() looks whether the caller's own is there again.
+TEST_P(LinkGuard, stands_in_for_what_the_caller_has_set_while_a_call_runs)
+{
+    const std::string name = made_file("run.h5");
+    ASSERT_GE(H5Lcreate_external(name.c_str(), "/post", file, "link", H5P_DEFAULT, H5P_DEFAULT), 0);
+    int asked = 0;
+    ASSERT_GE(H5Pset_elink_cb(H5P_LINK_ACCESS_DEFAULT, refuse_all, &asked), 0);
+    vak_id group = -1;
+    int32_t ierr = 4711;
+    const int32_t length = -1, ioflag = 1;
+    EXPECT_EQ(call([&] { GetParam().h5gopen(&file, "link", &length, &ioflag, &group, &ierr); }, 1), Output());
+    EXPECT_EQ(ierr, 0);
+    EXPECT_EQ(asked, 0);
+    H5Gclose(group);
+    EXPECT_EQ(link_following(), (LinkFollowing{refuse_all, &asked}));
+    H5Pset_elink_cb(H5P_LINK_ACCESS_DEFAULT, nullptr, nullptr);
+}
+
 }  // namespace vak::test

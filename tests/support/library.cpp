@@ -13,6 +13,13 @@ ErrorPrinting error_printing()
     return printing;
 }
 
+LinkFollowing link_following()
+{
+    LinkFollowing links;
+    H5Pget_elink_cb(H5P_LINK_ACCESS_DEFAULT, &links.asked, &links.data);
+    return links;
+}
+
 void LibraryTest::SetUp()
 {
     ids_at_start_ = counter_.count();

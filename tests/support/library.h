@@ -15,8 +15,8 @@
 //
 // `file` is a fresh file, opened for writing by plain HDF5; path("name") names further ones in the test's own
 // folder. call() gives what was printed and checks that the routine left no HDF5 identifier open (or as many
-// as the second argument says) and HDF5's error printing as it was. At the end of the test no identifier and
-// no file descriptor may be left over.
+// as the second argument says) and HDF5's error printing and default list as they were. At the end of the
+// test no identifier and no file descriptor may be left over.
 #pragma once
 
 #include <gmock/gmock.h>
@@ -43,6 +43,15 @@ struct ErrorPrinting {
 };
 ErrorPrinting error_printing();
 
+// How HDF5 follows links where a call names no list.
+struct LinkFollowing {
+    H5L_elink_traverse_t asked = nullptr;
+    void* data = nullptr;
+
+    bool operator==(const LinkFollowing&) const = default;
+};
+LinkFollowing link_following();
+
 class LibraryTest : public testing::Test {
 protected:
     void SetUp() override;
@@ -56,8 +65,10 @@ protected:
     {
         const OpenIds before = counter_.count();
         const ErrorPrinting printing = error_printing();
+        const LinkFollowing links = link_following();
         Output output = captured(routine);
         check_after_call(before, opened, printing);
+        EXPECT_TRUE(link_following() == links) << "HDF5's default list is not as the caller had it";
         return output;
     }
 
