@@ -2,20 +2,21 @@
 
 #include <functional>
 #include <numeric>
+#include <optional>
+
+#include "storage/chunk_length.h"
+#include "storage/chunk_list.h"
 
 namespace vak {
 
 namespace {
 
 constexpr double slack = 64 * 1024;
+constexpr double most_for_hdf5 = 1 << 20;
+constexpr double largest_nominal = 0xFFFFFFFF;  // of HDF5
 
-struct Chunks {
-    hid_t dataset;
-    size_t rank;
-    Extents extent;
-    bool known;      // HDF5 has told it
-    double largest;  // bytes as stored
-
+class Chunks {
+public:
     Chunks(hid_t dataset_id, hid_t list, size_t dimensions, size_t element_size)
         : dataset(dataset_id), rank(dimensions), extent{}
     {
@@ -24,7 +25,17 @@ struct Chunks {
             std::accumulate(extent.begin(), extent.begin() + static_cast<std::ptrdiff_t>(rank),
                             static_cast<double>(element_size), std::multiplies<>());
         largest = nominal + nominal / 8 + slack;
+        bytes_ = static_cast<size_t>(std::min(nominal, largest_nominal));
     }
+
+    // From now on chunks are unpacked to see whether they are plausible.
+    bool unpack(hid_t list)
+    {
+        length_.emplace(list, bytes_);
+        return length_->is_known();
+    }
+
+    bool is_unpacking() const { return length_.has_value(); }
 
     Extents corner(const hsize_t* coordinates) const
     {
@@ -34,15 +45,35 @@ struct Chunks {
     }
 
     // A chunk that was never written has no size to ask for.
-    bool plausible(const Extents& at) const
+    bool plausible(const Extents& at)
     {
         hsize_t stored = 0;
         const bool written = H5Dget_chunk_storage_size(dataset, at.data(), &stored) >= 0;
-        return !written || static_cast<double>(stored) <= largest;
+        if (!written || stored == 0) return true;
+        return static_cast<double>(stored) <= largest && (!length_ || has_right_length(at, stored));
     }
+
+    hid_t dataset;
+    size_t rank;
+    Extents extent;
+    bool known;  // HDF5 has told it
+
+private:
+    bool has_right_length(const Extents& at, hsize_t stored)
+    {
+        unsigned char* bytes = stored_.room(stored);
+        uint32_t mask = 0;
+        return H5Dread_chunk(dataset, H5P_DEFAULT, at.data(), &mask, bytes) >= 0 &&
+               length_->is_right({.bytes = bytes, .size = stored, .mask = mask});
+    }
+
+    double largest;  // bytes as stored
+    size_t bytes_;   // when unpacked
+    std::optional<ChunkLength> length_;
+    Buffer stored_;
 };
 
-bool points_are_plausible(const Chunks& chunks, const Part& part)
+bool points_are_plausible(Chunks& chunks, const Part& part)
 {
     Extents last = chunks.corner(part.point(0));
     bool good = chunks.plausible(last);
@@ -65,7 +96,7 @@ bool advance(const Chunks& chunks, Extents& at, const Extents& first, const Exte
     return false;
 }
 
-bool box_is_plausible(const Chunks& chunks, const Extents& first, const Extents& end)
+bool each_is_plausible(Chunks& chunks, const Extents& first, const Extents& end)
 {
     Extents at = first;
     do {
@@ -74,14 +105,18 @@ bool box_is_plausible(const Chunks& chunks, const Extents& first, const Extents&
     return true;
 }
 
-}  // namespace
-
-bool chunks_are_plausible(hid_t dataset, const FoundLayout& found, const Part& part,
-                          std::span<const hsize_t> extents, size_t element_size)
+bool box_is_plausible(Chunks& chunks, const Extents& start, const Extents& end)
 {
-    if (found.filters == 0) return true;
-    const Chunks chunks(dataset, found.list.get(), extents.size(), element_size);
-    if (!chunks.known) return false;
+    const auto sparse = sparse_chunks(chunks.dataset, {chunks.rank, chunks.extent, start, end});
+    if (!sparse.is_sparse) return each_is_plausible(chunks, chunks.corner(start.data()), end);
+    // For so many HDF5 itself takes for ever.
+    const bool are_too_many = chunks.is_unpacking() && sparse.chunks > most_for_hdf5;
+    return sparse.is_known && !are_too_many &&
+           std::ranges::all_of(sparse.corners, [&](const Extents& at) { return chunks.plausible(at); });
+}
+
+bool part_is_plausible(Chunks& chunks, const Part& part, std::span<const hsize_t> extents)
+{
     if (part.mode == point_list) return points_are_plausible(chunks, part);
     Extents start{};
     Extents end{};
@@ -95,7 +130,25 @@ bool chunks_are_plausible(hid_t dataset, const FoundLayout& found, const Part& p
         if (start[i] >= extents[i]) return true;
         end[i] = std::min(end[i], extents[i]);
     }
-    return box_is_plausible(chunks, chunks.corner(start.data()), end);
+    return box_is_plausible(chunks, start, end);
+}
+
+}  // namespace
+
+bool chunks_are_plausible(hid_t dataset, const FoundLayout& found, const Part& part,
+                          std::span<const hsize_t> extents, size_t element_size)
+{
+    if (found.filters == 0) return true;
+    Chunks chunks(dataset, found.list.get(), extents.size(), element_size);
+    return chunks.known && part_is_plausible(chunks, part, extents);
+}
+
+bool chunks_are_sound(hid_t dataset, const FoundLayout& found, const Part& part,
+                      std::span<const hsize_t> extents, size_t element_size)
+{
+    if (found.filters == 0) return true;
+    Chunks chunks(dataset, found.list.get(), extents.size(), element_size);
+    return chunks.known && chunks.unpack(found.list.get()) && part_is_plausible(chunks, part, extents);
 }
 
 }  // namespace vak

@@ -1,4 +1,4 @@
-// Guard against chunks that were crafted to inflate without bound.
+// Guards against chunks that were damaged, or crafted to inflate without bound.
 #pragma once
 
 #include "storage/dataset_layout.h"
@@ -10,5 +10,9 @@ namespace vak {
 // chunk as much memory as it inflates to, however small the dataset.
 bool chunks_are_plausible(hid_t dataset, const FoundLayout& found, const Part& part,
                           std::span<const hsize_t> extents, size_t element_size);
+
+// The same for a part that HDF5 is to unpack: whether each chunk moreover becomes as long as a chunk is.
+bool chunks_are_sound(hid_t dataset, const FoundLayout& found, const Part& part,
+                      std::span<const hsize_t> extents, size_t element_size);
 
 }  // namespace vak

@@ -2,9 +2,17 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <memory>
 
 namespace vak {
+
+// More than this no stream of so many bytes holds: 258 bytes come of two bits at best.
+constexpr size_t largest_inflated(size_t size)
+{
+    constexpr size_t most_of_each = 1032;
+    return size > SIZE_MAX / most_of_each ? SIZE_MAX : size * most_of_each;
+}
 
 class Deflater {
 public:

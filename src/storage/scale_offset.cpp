@@ -103,6 +103,13 @@ size_t pack_scale_offset(const ScaleOffset& form, const void* values, unsigned c
     return pack<IntegerCodes<int64_t>>(form, values, packed);
 }
 
+bool scale_offset_fits(const unsigned char* packed, size_t size, size_t count, size_t element_size)
+{
+    if (size < header_size) return false;
+    const uint64_t bits = get_number(packed, 4);
+    return bits < 8 * element_size && size - header_size >= packed_bytes(count, static_cast<unsigned>(bits));
+}
+
 bool unpack_scale_offset(const ScaleOffset& form, const unsigned char* packed, size_t size, void* values)
 {
     if (keeps_all(form)) return copy_values(form, packed, size, values);

@@ -30,6 +30,9 @@ size_t scale_offset_limit(const ScaleOffset& form);
 // type.
 size_t pack_scale_offset(const ScaleOffset& form, const void* values, unsigned char* packed);
 
+// Whether the bytes are a header and codes of so many values of so many bytes, as HDF5 reads them.
+bool scale_offset_fits(const unsigned char* packed, size_t size, size_t count, size_t element_size);
+
 // Reads chunks of full precision as well. False: the bytes cannot be a chunk of this form.
 bool unpack_scale_offset(const ScaleOffset& form, const unsigned char* packed, size_t size, void* values);
 
