@@ -40,6 +40,10 @@ def frames(report):
     return stack
 
 
+def no_stack(report):
+    return re.search(r"out-of-memory \(used: ", report) is not None
+
+
 def name_of(frame):
     plain = re.sub(r" (\(/|/).*$", "", frame.replace("(anonymous namespace)::", ""))
     return plain.split("(")[0].split("<")[0].strip() or frame
@@ -82,20 +86,33 @@ class Target:
                 "-rss_limit_mb=1500", "-malloc_limit_mb=256", "-max_len=262144", "-reload=0", "-verbosity=1",
                 f"-artifact_prefix={artifacts}/", str(self.corpus), str(self.seeds)]
 
+    def environment(self, work):
+        # HDF5 gives up memory of files that it cannot close; the rest of what is lost is ours.
+        quiet = pathlib.Path(work, "leaks")
+        quiet.write_text("leak:libhdf5\n")
+        return dict(os.environ, TMPDIR=work, LSAN_OPTIONS=f"suppressions={quiet}:print_suppressions=0",
+                    ASAN_OPTIONS="quarantine_size_mb=16:detect_leaks=1:allocator_may_return_null=1",
+                    UBSAN_OPTIONS="print_stacktrace=1")
+
     def run_once(self, seconds):
         with tempfile.TemporaryDirectory(prefix="vak_fuzz.", dir=memory_folder()) as work:
-            # HDF5 gives up memory of files that it cannot close; the rest of what is lost is ours.
-            quiet = pathlib.Path(work, "leaks")
-            quiet.write_text("leak:libhdf5\n")
-            environment = dict(os.environ, TMPDIR=work, LSAN_OPTIONS=f"suppressions={quiet}:print_suppressions=0", ASAN_OPTIONS="quarantine_size_mb=16:detect_leaks=1:"
-                               "allocator_may_return_null=1", UBSAN_OPTIONS="print_stacktrace=1")
+            environment = self.environment(work)
             done = subprocess.run(self.command(seconds, work), env=environment, capture_output=True, check=False)
             report = done.stderr.decode(errors="replace")
             counted = re.search(r"number_of_executed_units: (\d+)", report)
             self.runs += int(counted[1]) if counted else 0
             if done.returncode != 0:
-                self.keep(report, work)
+                self.keep(self.with_frames(report, work, environment), work)
             return done.returncode
+
+    def with_frames(self, report, work, environment):
+        """Who took too much memory at once is told only when nothing else watches what the process has."""
+        inputs = [path for path in pathlib.Path(work).glob("oom-*") if path.is_file()]
+        if not no_stack(report) or not inputs:
+            return report
+        command = [str(self.program), "-rss_limit_mb=0", "-malloc_limit_mb=256", "-runs=1", str(inputs[0])]
+        again = subprocess.run(command, env=environment, capture_output=True, check=False)
+        return again.stderr.decode(errors="replace") if again.returncode != 0 else report
 
     def keep(self, report, work):
         whose, where = classify(report)

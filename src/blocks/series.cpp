@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <string>
 
+#include "storage/rows_in_file.h"
+
 namespace vak {
 
 namespace {
@@ -36,16 +38,19 @@ bool is_out_of_reach(const Block& io, const char* section, const char* name)
     return is_linked(path_of(io, section, name).c_str());
 }
 
-// The first extent of a dataset; `none` where there is no dataset.
+// The rows of a dataset; `none` where there is no dataset.
 int64_t states_in(const Block& io, const char* section, const char* name)
 {
     const Dataset dataset = open(io, section, name);
     if (!dataset.valid()) return is_out_of_reach(io, section, name) ? not_told : none;
     const Space space(H5Dget_space(dataset.get()));
-    std::array<hsize_t, H5S_MAX_RANK> extents{};
-    const int rank = H5Sget_simple_extent_dims(space.get(), extents.data(), nullptr);
+    Extents extents{};
+    Extents maximum{};
+    const int rank = H5Sget_simple_extent_dims(space.get(), extents.data(), maximum.data());
     if (rank < 1) return rank < 0 ? not_told : none;
-    return static_cast<int64_t>(extents[0]);
+    const auto axes = static_cast<size_t>(rank);
+    const auto states = rows_in_file(dataset.get(), {extents.data(), axes}, {maximum.data(), axes});
+    return states ? static_cast<int64_t>(*states) : not_told;
 }
 
 // The extent of the values, else of the index rows.

@@ -5,6 +5,7 @@
 
 #include "storage/chunk_check.h"
 #include "storage/direct_chunks.h"
+#include "storage/rows_in_file.h"
 
 namespace vak {
 
@@ -92,7 +93,7 @@ int32_t read_by_hdf5(const DatasetRead& r, const Source& source)
     Space memory;
     hid_t memory_space = H5S_ALL;
     hid_t file_space = H5S_ALL;
-    if (!covers(r.part, source.shape())) {
+    if (source.has_lost_rows || !covers(r.part, source.shape())) {
         memory = memory_space_of(r.part);
         memory_space = memory.get();
         file_space = source.space.get();
@@ -154,9 +155,17 @@ int32_t open_space(DatasetRead& r, Source& source)
         H5Sget_simple_extent_dims(source.space.get(), source.extents.data(), source.maximum.data());
     if (rank < 0) return fail(r, 999, rank);
     source.rank = static_cast<size_t>(rank);
+    const auto rows =
+        rows_in_file(source.dataset.get(), source.shape(), {source.maximum.data(), source.rank});
+    if (!rows) return fail(r, 999, -1);
+    source.has_lost_rows = *rows < source.extents[0];
+    source.extents[0] = *rows;
     if (r.part.rank == 0)
         if (const int32_t status = take_first(r, source)) return status;
-    return check_part(r, source);
+    const int32_t status = check_part(r, source);
+    if (status == 0 && source.has_lost_rows && r.part.mode == whole_dataset)
+        r.part = part_of(hyperslab, nullptr, r.part.rank, r.part.count, first_place.data());
+    return status;
 }
 
 // HDF5 gives a chunk in its cache as much memory as a damaged file notes for it, and reads as much from there

@@ -33,6 +33,7 @@ struct Source {
     Extents extents{};
     Extents maximum{};
     size_t rank = 0;
+    bool has_lost_rows = false;  // the dataset's own extents count more than are in the file
 
     std::span<const hsize_t> shape() const { return {extents.data(), rank}; }
 };

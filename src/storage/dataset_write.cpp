@@ -6,6 +6,7 @@
 #include "storage/chunk_check.h"
 #include "storage/direct_chunks.h"
 #include "storage/element_type.h"
+#include "storage/rows_in_file.h"
 #include "storage/whole_flush.h"
 
 namespace vak {
@@ -117,6 +118,23 @@ bool repacks(const DatasetWrite& w, const Target& target)
     return true;
 }
 
+// Rows that a flush has lost give way to what is written now.
+int32_t take_extents(const DatasetWrite& w, Target& target)
+{
+    const size_t rank = w.dims.size();
+    Extents maximum{};
+    H5Sget_simple_extent_dims(target.space.get(), target.before.data(), maximum.data());
+    if (!w.extendible()) return 0;
+    const hid_t dataset = target.dataset.get();
+    const auto rows = rows_in_file(dataset, {target.before.data(), rank}, {maximum.data(), rank});
+    if (!rows) return fail(w, 999, -1, -3999);
+    if (*rows == target.before[0]) return 0;
+    target.before[0] = *rows;
+    if (H5Dset_extent(dataset, target.before.data()) < 0) return fail(w, 100, -1, -3100);
+    target.space = Space(H5Dget_space(dataset));
+    return target.space.valid() ? 0 : fail(w, 110, -1, -3110);
+}
+
 int32_t open_dataset(DatasetWrite& w, Target& target)
 {
     target.dataset = Dataset(H5Dopen2(w.location.id, w.name, H5P_DEFAULT));
@@ -132,7 +150,7 @@ int32_t open_dataset(DatasetWrite& w, Target& target)
     if (rank != static_cast<int32_t>(w.dims.size())) return fail(w, 20, rank, -3020);
     if (H5Sget_simple_extent_type(target.space.get()) == H5S_NULL) return fail(w, 999, -1, -3999);
     const Extents& present = target.before;
-    H5Sget_simple_extent_dims(target.space.get(), target.before.data(), nullptr);
+    if (const int32_t status = take_extents(w, target)) return status;
     if (const int32_t status = place(w, present)) return status;
     if (!chunks_are_plausible(dataset, layout, w.part, {present.data(), w.dims.size()}, found.size))
         return fail(w, 999, -1, -3999);

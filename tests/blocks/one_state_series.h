@@ -132,6 +132,23 @@ TYPED_TEST_P(OneStateSeries, pass_0_reads_the_index_values_of_the_state_too)
     }
 }
 
+// As a flush leaves them that was cut off after the extents were written.
+TYPED_TEST_P(OneStateSeries, states_without_values_in_the_file_do_not_count)
+{
+    auto states = this->append(3);
+    auto lost = states[2].next();
+    this->set_states(this->data(lost, TypeParam::values_name), 5);
+    for (const char* name : {"indexident", "indexval"}) this->set_states(this->index(lost, name), 5);
+    this->expect_states(states);
+    this->read_state(lost, 2, failure(-6031, this->not_there(TypeParam::values_message)));
+    this->read_state(lost, 0, failure(-6031, this->not_there("indexident 2")));
+
+    EXPECT_EQ(this->write(lost), success);
+    states.push_back(lost);
+    this->expect_states(states);
+    EXPECT_EQ(dataset_extents(this->file, this->data(lost, TypeParam::values_name)).at(0), 4);
+}
+
 TYPED_TEST_P(OneStateSeries, another_pass_is_refused)
 {
     const auto written = this->append(1).at(0);
@@ -370,11 +387,12 @@ REGISTER_TYPED_TEST_SUITE_P(
     stored_states_count_whatever_the_attribute_says, attribute_counts_where_a_state_stores_nothing,
     index_counts_where_a_state_has_no_values, state_that_failed_is_not_counted_and_gives_way,
     first_state_that_failed_gives_way, first_call_that_failed_is_made_good_by_the_next,
-    index_rows_stay_beside_their_values, more_states_than_can_be_counted_are_refused,
-    chunk_size_setting_is_the_number_of_states_in_a_chunk, filters_are_found, reals_of_8_bytes_are_stored_so,
-    null_arrays_are_checked_and_not_delivered, no_group_is_reported,
-    file_that_is_none_gives_the_status_of_opening, wrong_key_is_reported_before_a_wrong_pass,
-    missing_key_is_reported, missing_subgroups_of_the_legacy_family_are_reported,
+    states_without_values_in_the_file_do_not_count, index_rows_stay_beside_their_values,
+    more_states_than_can_be_counted_are_refused, chunk_size_setting_is_the_number_of_states_in_a_chunk,
+    filters_are_found, reals_of_8_bytes_are_stored_so, null_arrays_are_checked_and_not_delivered,
+    no_group_is_reported, file_that_is_none_gives_the_status_of_opening,
+    wrong_key_is_reported_before_a_wrong_pass, missing_key_is_reported,
+    missing_subgroups_of_the_legacy_family_are_reported,
     subgroup_that_cannot_be_had_is_reported_and_the_states_before_stay);
 
 }  // namespace vak::test

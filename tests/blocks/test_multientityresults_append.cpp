@@ -135,6 +135,22 @@ TEST_P(SeriesGrowth, place_below_0_appends_one_state_behind_the_rows_that_it_ski
     EXPECT_EQ(found.states(5, 1).index.indexval, all.states(1, 1).index.indexval);
 }
 
+// As a flush leaves them that was cut off after the extents were written.
+TEST_P(SeriesGrowth, states_without_values_in_the_file_do_not_count)
+{
+    const auto all = series_of(4);
+    EXPECT_EQ(write_at(all.states(0, 3), 3), success);
+    const hsize_t counted[] = {6, 3, 2}, rows[] = {6, 2};
+    EXPECT_GE(H5Dset_extent(open_object(file, all.path() + "/" + data("res")), counted), 0);
+    for (const char* name : {"indexident", "indexval"})
+        EXPECT_GE(H5Dset_extent(open_object(file, all.path() + "/" + index(name)), rows), 0);
+    auto three = all.states(0, 3);
+    expect_series(three, all.path());
+    EXPECT_EQ(write_at(all.states(3, 1), 1), success);
+    expect_series(all, all.path());
+    EXPECT_EQ(attribute_value<int32_t>(file, all.path() + "/" + header(), "nstate"), 4);
+}
+
 TEST_P(SeriesGrowth, skipped_rows_of_scale_offset_values_hold_its_fill_value)
 {
     auto all = series_of(1);

@@ -66,22 +66,30 @@ int32_t append_into(vak_id root, const MultiEntityResults& states)
     return calls.status();
 }
 
-// One state with each call; a state reads at its place, whatever follows it.
 template <class S>
-Job one_by_one(const std::string& name, Family family)
+std::vector<Step> writing_each(const std::vector<S>& states, size_t from, size_t to)
+{
+    std::vector<Step> steps;
+    for (size_t k = from; k < to; ++k) steps.push_back(writing(states[k]));
+    return steps;
+}
+
+// One state with each call; a state reads at its place, whatever follows it. Of many the last ones are read.
+template <class S>
+Job one_by_one(const std::string& name, Family family, size_t flushed = 2, size_t number = 4)
 {
     std::vector<S> states{sample_of<S>(family)};
-    while (states.size() < 4) states.push_back(states.back().next());
+    while (states.size() < number) states.push_back(states.back().next());
     std::vector<Item> items;
-    for (size_t k = 0; k < states.size(); ++k) {
-        std::vector<S> versions(states.size() - k, states[k]);
+    for (size_t k = std::max(flushed, size_t{4}) - 4; k < number; ++k) {
+        std::vector<S> versions(number - k, states[k]);
         for (size_t later = 0; later < versions.size(); ++later)
             versions[later].nstate = static_cast<int32_t>(k + later + 1);
-        items.push_back(item(versions, k < 2));
+        items.push_back(item(versions, k < flushed));
         items.back().name += " state " + std::to_string(k);
     }
-    return writing_job(name, family, {writing(states[0]), writing(states[1])},
-                       {writing(states[2]), writing(states[3])}, items);
+    return writing_job(name, family, writing_each(states, 0, flushed), writing_each(states, flushed, number),
+                       items);
 }
 
 }  // namespace
@@ -99,6 +107,7 @@ std::vector<Job> series_jobs(Family family)
         entities_job("multientityresults2", family, {}, append_into),
         one_by_one<MultiElementResults>("multielementresults", family),
         one_by_one<MultiActivFlags>("multiactivflags", family),
+        one_by_one<MultiElementResults>("multielementresults, many", family, 66, 72),
     };
 }
 

@@ -12,9 +12,9 @@ import subprocess
 import sys
 import time
 
-LINE = "{:<18} | {:<42} | {:>6} | {:>6} | {:>4} | {:>5} | {:>5} | {:>5} | {}"
+LINE = "{:<18} | {:<42} | {:>6} | {:>6} | {:>4} | {:>5} | {:>5} | {}"
 NOTE = """told: a call gave a status, or the process was killed; viol: violations; over: passed over by a tool, as the catalogue does;
-lost, other: blocks lost or read as other values by a fault within a flush, which was told"""
+lost: blocks lost by a fault within a flush, which was told"""
 
 
 def sweeps(program, job):
@@ -71,7 +71,7 @@ def main(program, processes, job=""):
     processes = int(processes)
     parts = 6 * processes
     table, failed, begin = Table(), [], time.time()
-    print(LINE.format("fault", "job", "points", "told", "viol", "over", "lost", "other", "crashes inside HDF5"))
+    print(LINE.format("fault", "job", "points", "told", "viol", "over", "lost", "crashes inside HDF5"))
     with concurrent.futures.ThreadPoolExecutor(processes) as pool:
         trials = [pool.submit(run, program, sweep, f"{part}/{parts}", job)
                   for sweep in sweeps(program, job) for part in range(parts)]

@@ -73,7 +73,6 @@ void Tally::add(const Tally& other)
     failed += other.failed;
     violations += other.violations;
     passed_over += other.passed_over;
-    other_in_flush += other.other_in_flush;
     lost_in_flush += other.lost_in_flush;
     for (const auto& [frame, number] : other.inside_hdf5) inside_hdf5[frame] += number;
     examples += other.examples;
@@ -90,9 +89,8 @@ void Table::add(const std::string& job, const Tally& tally)
 // script/prove looks for these lines.
 void Table::print(const std::string& job, const Tally& tally) const
 {
-    std::printf("prove| %-18s | %-42s | %6ld | %6ld | %4ld | %5ld | %5ld | %5ld |", mode_.c_str(),
-                job.c_str(), tally.points, tally.failed, tally.violations, tally.passed_over,
-                tally.lost_in_flush, tally.other_in_flush);
+    std::printf("prove| %-18s | %-42s | %6ld | %6ld | %4ld | %5ld | %5ld |", mode_.c_str(), job.c_str(),
+                tally.points, tally.failed, tally.violations, tally.passed_over, tally.lost_in_flush);
     for (const auto& [frame, number] : tally.inside_hdf5) std::printf(" %s %ld", frame.c_str(), number);
     std::printf("\n");
     std::fflush(stdout);
@@ -243,9 +241,7 @@ void Trials::count_items(const Ending& ran, const Ending& read, const std::strin
         const bool is_new = verdict == static_cast<char>(Verdict::new_values);
         const bool there = is_new || verdict == static_cast<char>(Verdict::old_values);
         const bool is_other = verdict == static_cast<char>(Verdict::other);
-        if (is_other && !succeeded && disk().hit_in_flush)
-            ++tally.other_in_flush;
-        else if (is_other)
+        if (is_other)
             tally.violation(what + " reads as something else: " + read.report.example.data());
         else if (succeeded && !is_new && job_.passes_over && !disk().hit)
             ++tally.passed_over;

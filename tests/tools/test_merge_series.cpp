@@ -203,7 +203,19 @@ TEST_P(MergeSeries, are_the_same_whatever_the_number_of_slices)
     EXPECT_EQ(wrong, 0U);
 }
 
-// 1,000 states of 1.2 MB, none of which is stored; the disk is full before the first of them is.
+// The extents, with a value in the last of the rows.
+void grow(const ObjectId& array, const std::vector<hsize_t>& extents)
+{
+    EXPECT_GE(H5Dset_extent(array, extents.data()), 0);
+    std::vector<hsize_t> last(extents.size(), 0);
+    last[0] = extents[0] - 1;
+    const Space all(H5Dget_space(array)), one(H5Screate(H5S_SCALAR));
+    H5Sselect_elements(all.get(), H5S_SELECT_SET, 1, last.data());
+    const int32_t value = 1;
+    EXPECT_GE(H5Dwrite(array, H5T_NATIVE_INT32, one.get(), all.get(), H5P_DEFAULT, &value), 0);
+}
+
+// 1,000 states of 1.2 MB, two of which are stored; the disk is full before the first of them is.
 TEST_P(MergeSeries, beyond_the_data_limit_are_told_to_be_merged_in_slices)
 {
     constexpr int32_t n = 300000;
@@ -215,11 +227,9 @@ TEST_P(MergeSeries, beyond_the_data_limit_are_told_to_be_merged_in_slices)
     const hid_t domain = add_domain();
     EXPECT_EQ(r.write(domain), 0);
     {
-        const ObjectId res = open_object(domain, r.path() + data() + "res");
-        const hsize_t extents[] = {1000, n, 1}, rows[] = {1000, 2};
-        EXPECT_GE(H5Dset_extent(res, extents), 0);
+        grow(open_object(domain, r.path() + data() + "res"), {1000, n, 1});
         for (const char* const name : {"indexident", "indexval"})
-            EXPECT_GE(H5Dset_extent(open_object(domain, r.path() + index() + name), rows), 0);
+            grow(open_object(domain, r.path() + index() + name), {1000, 2});
     }
     int32_t status = 0;
     {
