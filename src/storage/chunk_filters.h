@@ -25,6 +25,12 @@ struct ChunkFilters {
     std::vector<FilterStep> steps;  // in the order of writing
     ScaleOffset scale_offset;       // the form of the first step, if it is that
 
+    // Deflate ends with one.
+    bool has_checksum(uint32_t mask) const
+    {
+        return !steps.empty() && steps.back().id == H5Z_FILTER_DEFLATE &&
+               (mask >> (steps.size() - 1) & 1) == 0;
+    }
     bool has_scale_offset() const { return !steps.empty() && steps[0].id == H5Z_FILTER_SCALEOFFSET; }
 };
 

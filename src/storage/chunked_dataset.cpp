@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <cstring>
 
+#include "storage/chunk_gap.h"
 #include "storage/chunk_rescue.h"
 #include "storage/whole_flush.h"
 
@@ -153,12 +154,20 @@ bool ChunkedDataset::has_room(const StoredChunk& chunk) const
     return unnamed.close() && good;
 }
 
+// Where no checksum would tell that other bytes stand at the old place, it must not be written over.
+bool ChunkedDataset::store_elsewhere(const Extents& corner, const StoredChunk& chunk)
+{
+    if (codec_->filters().has_checksum(held_.mask)) return store(corner, chunk);
+    const ChunkGap gap(dataset_, chunk.size);
+    return gap.valid() && store(corner, chunk);
+}
+
 // HDF5 notes the mask of a chunk only when it gives it a new place, for which the size must differ.
 bool ChunkedDataset::move(const Extents& corner, const StoredChunk& chunk)
 {
     const StoredChunk shorter{.bytes = chunk.bytes, .size = chunk.size - 1, .mask = chunk.mask};
     const bool same_size = chunk.size == held_.size && chunk.size > 1;
-    return (!same_size || store(corner, shorter)) && store(corner, chunk);
+    return (!same_size || store_elsewhere(corner, shorter)) && store_elsewhere(corner, chunk);
 }
 
 // The place that a chunk gave up may be used by whatever is written next, the next chunk included. So the

@@ -58,6 +58,7 @@ private:
     size_t stored_size(const Extents& corner) const;
     bool hold(const Extents& corner, size_t size);
     bool has_room(const StoredChunk& chunk) const;
+    bool store_elsewhere(const Extents& corner, const StoredChunk& chunk);
     bool move(const Extents& corner, const StoredChunk& chunk);
     bool replace(const Extents& corner, const StoredChunk& chunk);
     bool read_by_hdf5(const Extents& corner, unsigned char* values) const;

@@ -26,18 +26,21 @@ uint64_t get_number(const unsigned char* from, size_t size)
     return value;
 }
 
+// The filter's size is one byte longer than whole bytes of codes need.
+size_t packed_size(const ScaleOffset& form, unsigned bits) { return header_size + form.count * bits / 8 + 1; }
+
 template <class Codes>
 size_t pack(const ScaleOffset& form, const void* data, unsigned char* packed)
 {
     const auto* values = static_cast<const typename Codes::Value*>(data);
     const auto codes = Codes::of(form, values);
     if (!codes) return 0;
-    const size_t size = header_size + form.count * codes->bits() / 8 + 1;
+    const size_t size = packed_size(form, codes->bits());
     std::memset(packed, 0, header_size);
     put_number(codes->bits(), 4, packed);
     packed[4] = 8;
     put_number(codes->stored_low(), 8, packed + 5);
-    packed[size - 1] = 0;  // the filter's size is one byte longer than whole bytes of codes need
+    packed[size - 1] = 0;
     typename Codes::Code block[block_length];
     unsigned char* to = packed + header_size;
     for (size_t i = 0; i < form.count; i += block_length) {
@@ -120,7 +123,9 @@ bool unpack_scale_offset(const ScaleOffset& form, const unsigned char* packed, s
     if (bits == 8 * form.size) return copy_values(form, from, size - header_size, values);
     if (bits > 8 * form.size) return false;
     const auto code_bits = static_cast<unsigned>(bits);
-    if (size - header_size < packed_bytes(form.count, code_bits)) return false;
+    // Another size is that of what stood here before, where its place was not written behind the new bytes.
+    const size_t needed = header_size + packed_bytes(form.count, code_bits);
+    if (size != needed && size != packed_size(form, code_bits)) return false;
     if (form.real && form.size == 4) {
         unpack(form, RealCodes<float>(form, code_bits, low), from, values);
     } else if (form.real) {

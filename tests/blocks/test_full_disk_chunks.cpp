@@ -140,6 +140,19 @@ TEST_P(FullDiskChunks, a_write_that_fails_loses_no_state_that_was_written_before
     EXPECT_GE(fewest_, before);
 }
 
+// A chunk that was packed anew may be lost until a flush has told its place; it never reads as another.
+TEST_P(FullDiskChunks, a_kill_at_a_write_leaves_no_other_values)
+{
+    ASSERT_NO_FATAL_FAILURE(begin());
+    try_disk([] {});
+    const long writes = written_.writes;
+    for (long at = 0; at < writes; at += every_disk() ? 1 : writes / 7 + 1) {
+        SCOPED_TRACE(testing::Message() << "write " << at);
+        try_disk([&] { disk().fail(Fault::killed, at); });
+    }
+    EXPECT_GE(failed_, 3);
+}
+
 // The first states were flushed when their file was closed.
 TEST_P(FullDiskChunks, a_kill_after_a_later_call_loses_no_state_that_was_flushed)
 {

@@ -4,7 +4,7 @@
 namespace vak::test {
 namespace {
 
-TEST_F(ScaleOffsetTest, chunks_that_are_too_short_are_refused)
+TEST_F(ScaleOffsetTest, chunks_of_another_size_are_refused)
 {
     const auto values = uniform<float>(random, 600, -5, 5);
     Case<float> c(file, {.factor = 3}, values);
@@ -12,6 +12,11 @@ TEST_F(ScaleOffsetTest, chunks_that_are_too_short_are_refused)
     bytes.pop_back();  // the byte that HDF5 adds
     ASSERT_FALSE(c.unpacked(bytes).empty());
     const std::vector<unsigned char> whole(bytes.begin(), bytes.end());
+    auto longer = c.packed();
+    for (const size_t more : {1, 100}) {
+        longer.resize(c.packed().size() + more);
+        EXPECT_TRUE(c.unpacked(longer).empty()) << more;
+    }
     for (const size_t size : {whole.size() - 2, size_t{22}, size_t{21}, size_t{20}, size_t{4}, size_t{0}}) {
         EXPECT_TRUE(c.unpacked({whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size)}).empty())
             << size;
