@@ -22,7 +22,7 @@ std::vector<long> points(long first, long end, long share, size_t job);
 
 struct Tally {
     long points = 0, failed = 0, violations = 0;
-    long passed_over = 0;  // by a tool, as the catalogue does with what it cannot read
+    long passed_over = 0;                     // by a tool, as the catalogue does with what it cannot read
     long lost_in_flush = 0;                   // blocks, where the fault hit a flush under way
     std::map<std::string, long> inside_hdf5;  // crashes on a file that a fault in a flush left
     std::string examples;                     // of violations
