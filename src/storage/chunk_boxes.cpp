@@ -1,5 +1,6 @@
 // Slabs and whole datasets, chunk by chunk.
 #include "storage/array_box.h"
+#include "storage/chunk_list.h"
 #include "storage/chunk_moves.h"
 #include "storage/element_copy.h"
 
@@ -100,6 +101,15 @@ bool must_stay_exact(const ChunkTransfer& t, const ChunkedDataset& chunks, const
     return !all && !completed;
 }
 
+const std::vector<unsigned char> none;
+
+std::vector<unsigned char> converted(const ElementForm& form, const unsigned char* element)
+{
+    std::vector<unsigned char> one(form.to);
+    copy_elements(form, element, one.data(), 1);
+    return one;
+}
+
 bool write_one(BoxMove& m, const Overlap& o, const unsigned char* data)
 {
     const bool is_new = m.transfer.is_new(o.corner);
@@ -121,13 +131,38 @@ bool write_one(BoxMove& m, const Overlap& o, const unsigned char* data)
 bool read_one(BoxMove& m, const Overlap& o, unsigned char* data)
 {
     if (m.matches(o)) return m.chunks.read(o.corner, data + m.offset(o));
-    unsigned char* values = m.buffer.room(m.chunks.chunk_bytes());
-    if (!m.chunks.read(o.corner, values)) return false;
+    const auto values = m.chunks.values(o.corner);
+    if (!values) return false;
     const ElementForm form{m.transfer.type, m.chunks.element_size(), m.transfer.data_size};
+    const std::vector<unsigned char> same = values->are_same ? converted(form, values->bytes) : none;
     for_each_run(o.counts(), m.in_chunk(o), m.in_array(o), [&](size_t from, size_t to, size_t length) {
-        copy_elements(form, values + from * form.from, data + to * form.to, length);
+        if (values->are_same)
+            repeat_element(same.data(), form.to, data + to * form.to, length);
+        else
+            copy_elements(form, values->bytes + from * form.from, data + to * form.to, length);
     });
     return true;
+}
+
+// What was never written has the fill value; all else is in the chunks that there are.
+bool read_sparse(BoxMove& m, const std::vector<Extents>& corners, unsigned char* data)
+{
+    const ElementForm form{m.transfer.type, m.chunks.element_size(), m.transfer.data_size};
+    const auto fill = converted(form, m.chunks.fill_value());
+    repeat_element(fill.data(), form.to, data, elements_of({m.box.count.data(), m.box.rank}, 1).value_or(0));
+    return std::ranges::all_of(corners, [&](const Extents& corner) {
+        Extents which{};
+        for (size_t i = 0; i < m.box.rank; ++i)
+            which[i] = corner[i] / m.chunks.chunk()[i] - m.box.first[i] / m.chunks.chunk()[i];
+        return read_one(m, Overlap(m.box, m.chunks.chunk(), which), data);
+    });
+}
+
+ChunkBox chunk_box(const Box& box, const Extents& chunk)
+{
+    ChunkBox cut{.rank = box.rank, .chunk = chunk, .first = box.first};
+    for (size_t i = 0; i < box.rank; ++i) cut.end[i] = box.first[i] + box.count[i];
+    return cut;
 }
 
 }  // namespace
@@ -145,9 +180,17 @@ bool write_box(const ChunkTransfer& transfer, ChunkedDataset& chunks, const void
 bool read_box(const ChunkTransfer& transfer, ChunkedDataset& chunks, void* data)
 {
     BoxMove move(transfer, chunks);
+    const auto sparse = sparse_chunks(transfer.dataset, chunk_box(move.box, chunks.chunk()));
+    if (sparse.is_sparse)
+        return sparse.is_known && read_sparse(move, sparse.corners, static_cast<unsigned char*>(data));
     return every_chunk(move.box, chunks.chunk(), [&](const Overlap& o) {
         return read_one(move, o, static_cast<unsigned char*>(data));
     });
+}
+
+bool is_sparse(const ChunkTransfer& transfer, const ChunkedDataset& chunks)
+{
+    return sparse_chunks(transfer.dataset, chunk_box(Box(transfer), chunks.chunk())).is_sparse;
 }
 
 bool takes_whole_chunks(const ChunkTransfer& transfer, const ChunkedDataset& chunks)

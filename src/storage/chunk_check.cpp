@@ -61,6 +61,7 @@ public:
 private:
     bool has_right_length(const Extents& at, hsize_t stored)
     {
+        if (!fits_in_file(dataset, stored)) return false;
         unsigned char* bytes = stored_.room(stored);
         uint32_t mask = 0;
         return H5Dread_chunk(dataset, H5P_DEFAULT, at.data(), &mask, bytes) >= 0 &&

@@ -108,25 +108,70 @@ size_t ChunkCodec::decode_step(const FilterStep& step, const StoredChunk& chunk,
     return unpack_scale_offset(filters_.scale_offset, chunk.bytes, chunk.size, to) ? chunk_size_ : 0;
 }
 
-bool ChunkCodec::decode(const StoredChunk& stored, unsigned char* values)
+std::vector<FilterStep> ChunkCodec::steps_of(uint32_t mask) const
 {
     std::vector<FilterStep> steps;
     for (size_t i = 0; i < filters_.steps.size(); ++i) {
-        if ((stored.mask >> i & 1) == 0) steps.push_back(filters_.steps[i]);
+        if ((mask >> i & 1) == 0) steps.push_back(filters_.steps[i]);
     }
+    return steps;
+}
+
+// Undoes all but the filter that was applied first.
+bool ChunkCodec::decode_to_first(const std::vector<FilterStep>& steps, StoredChunk& chunk)
+{
     const bool packed = !steps.empty() && steps[0].id == H5Z_FILTER_SCALEOFFSET;
     // What another program deflated once more may have become longer by the first time.
     const size_t first = packed ? scale_offset_limit(filters_.scale_offset) : chunk_size_;
     const size_t between = first + first / 8 + 64;
-    StoredChunk chunk = stored;
-    for (size_t i = steps.size(); i-- > 0;) {
-        unsigned char* to = i == 0 ? values : buffers_[i % 2].room(between);
-        chunk.size = decode_step(steps[i], chunk, to, i == 0 ? chunk_size_ : between);
+    for (size_t i = steps.size(); i-- > 1;) {
+        const size_t room = std::min(between, largest_inflated(chunk.size));
+        unsigned char* to = buffers_[i % 2].room(room);
+        chunk.size = decode_step(steps[i], chunk, to, room);
         if (chunk.size == 0) return false;
         chunk.bytes = to;
     }
-    if (steps.empty() && chunk.size == chunk_size_) std::memcpy(values, chunk.bytes, chunk_size_);
-    return chunk.size == chunk_size_;
+    return true;
+}
+
+bool ChunkCodec::can_fill(const std::vector<FilterStep>& steps, const StoredChunk& chunk) const
+{
+    if (steps.empty() || steps[0].id == H5Z_FILTER_SHUFFLE) return chunk.size == chunk_size_;
+    if (steps[0].id == H5Z_FILTER_DEFLATE) return chunk_size_ <= largest_inflated(chunk.size);
+    return can_unpack_scale_offset(filters_.scale_offset, chunk.bytes, chunk.size);
+}
+
+bool ChunkCodec::decode_first(const std::vector<FilterStep>& steps, const StoredChunk& chunk,
+                              unsigned char* values)
+{
+    if (!steps.empty()) return decode_step(steps[0], chunk, values, chunk_size_) == chunk_size_;
+    std::memcpy(values, chunk.bytes, chunk_size_);
+    return true;
+}
+
+bool ChunkCodec::decode(const StoredChunk& stored, unsigned char* values)
+{
+    StoredChunk chunk = stored;
+    const std::vector<FilterStep> steps = steps_of(stored.mask);
+    return decode_to_first(steps, chunk) && can_fill(steps, chunk) && decode_first(steps, chunk, values);
+}
+
+std::optional<ChunkValues> ChunkCodec::decode(const StoredChunk& stored)
+{
+    StoredChunk chunk = stored;
+    const std::vector<FilterStep> steps = steps_of(stored.mask);
+    if (!decode_to_first(steps, chunk) || !can_fill(steps, chunk)) return {};
+    const ScaleOffset& form = filters_.scale_offset;
+    if (!steps.empty() && steps[0].id == H5Z_FILTER_SCALEOFFSET && is_one_value(form, chunk.bytes)) {
+        ScaleOffset one = form;
+        one.count = 1;
+        unsigned char* value = values_.room(form.size);
+        unpack_scale_offset(one, chunk.bytes, chunk.size, value);
+        return ChunkValues{value, true};
+    }
+    unsigned char* values = values_.room(chunk_size_);
+    if (!decode_first(steps, chunk, values)) return {};
+    return ChunkValues{values, false};
 }
 
 }  // namespace vak

@@ -43,6 +43,12 @@ struct StoredChunk {
     uint32_t mask = 0;  // bit n: filter n was left out
 };
 
+// The values of a chunk.
+struct ChunkValues {
+    const unsigned char* bytes = nullptr;
+    bool are_same = false;  // one stands for all
+};
+
 class ChunkCodec {
 public:
     ChunkCodec(ChunkFilters filters, size_t chunk_size)
@@ -58,6 +64,10 @@ public:
     // False: the bytes are not a chunk of this dataset.
     bool decode(const StoredChunk& chunk, unsigned char* values);
 
+    // The same into memory of our own, of which a chunk gets no more than its bytes can hold, whatever size
+    // the dataset claims. Valid until the next call.
+    std::optional<ChunkValues> decode(const StoredChunk& chunk);
+
     const ChunkFilters& filters() const { return filters_; }
 
     // Whether scale-offset rounded nothing in a chunk with this mask.
@@ -65,11 +75,16 @@ public:
 
 private:
     bool encode_step(const FilterStep& step, bool exact, StoredChunk& chunk, Buffer& buffer);
+    std::vector<FilterStep> steps_of(uint32_t mask) const;
     size_t decode_step(const FilterStep& step, const StoredChunk& chunk, unsigned char* to, size_t room);
+    bool decode_to_first(const std::vector<FilterStep>& steps, StoredChunk& chunk);
+    bool decode_first(const std::vector<FilterStep>& steps, const StoredChunk& chunk, unsigned char* values);
+    bool can_fill(const std::vector<FilterStep>& steps, const StoredChunk& chunk) const;
 
     ChunkFilters filters_;
     size_t chunk_size_;
     Buffer buffers_[2];
+    Buffer values_;
     std::optional<Deflater> deflater_;
     std::optional<Inflater> inflater_;
 };

@@ -10,6 +10,7 @@ namespace vak {
 namespace {
 
 constexpr size_t most_parameters = 20;  // those of scale-offset
+constexpr size_t largest_claimed = size_t{64} << 20;
 
 }  // namespace
 
@@ -79,8 +80,10 @@ bool ChunkLength::undo(const Step& step, StoredChunk& chunk, Buffer& to)
     return true;
 }
 
+// HDF5 takes the memory of a whole chunk, which scale-offset can claim by a few bytes.
 bool ChunkLength::is_right(const StoredChunk& stored)
 {
+    if (chunk_bytes_ > largest_claimed && chunk_bytes_ > largest_inflated(stored.size)) return false;
     StoredChunk chunk = stored;
     for (size_t i = steps_.size(); i-- > 0;) {
         if ((stored.mask >> i & 1) != 0) continue;

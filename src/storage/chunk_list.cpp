@@ -2,6 +2,8 @@
 
 #include <new>
 
+#include "storage/hdf5_id.h"
+
 namespace vak {
 namespace {
 
@@ -36,6 +38,15 @@ double ChunkBox::chunks() const
     for (size_t i = 0; i < rank; ++i)
         number *= static_cast<double>((end[i] - 1) / chunk[i] - first[i] / chunk[i] + 1);
     return number;
+}
+
+bool fits_in_file(hid_t dataset, hsize_t stored)
+{
+    constexpr hsize_t always_taken = hsize_t{1} << 20;
+    if (stored <= always_taken) return true;
+    const File file(H5Iget_file_id(dataset));
+    hsize_t size = 0;
+    return H5Fget_filesize(file.get(), &size) >= 0 && stored <= size;
 }
 
 // A damaged index may name any place.

@@ -8,6 +8,9 @@
 
 namespace vak {
 
+// Whether the file is large enough for a chunk that is stored in so many bytes; asked only where it matters.
+bool fits_in_file(hid_t dataset, hsize_t stored);
+
 // A box of a dataset, cut into chunks.
 struct ChunkBox {
     size_t rank = 0;

@@ -71,11 +71,13 @@ bool write_one(PointMove& m, const Extents& corner, Points points, const unsigne
 
 bool read_one(PointMove& m, const Extents& corner, Points points, unsigned char* data)
 {
-    unsigned char* values = m.buffer.room(m.chunks.chunk_bytes());
-    if (!m.chunks.read(corner, values)) return false;
+    const auto values = m.chunks.values(corner);
+    if (!values) return false;
     const ElementForm form{m.transfer.type, m.chunks.element_size(), m.transfer.data_size};
-    for (const hsize_t p : points)
-        copy_elements(form, values + m.place_in_chunk(p) * form.from, data + p * form.to, 1);
+    for (const hsize_t p : points) {
+        const size_t place = values->are_same ? 0 : m.place_in_chunk(p);
+        copy_elements(form, values->bytes + place * form.from, data + p * form.to, 1);
+    }
     return true;
 }
 

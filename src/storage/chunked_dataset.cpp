@@ -5,7 +5,9 @@
 #include <cstring>
 
 #include "storage/chunk_gap.h"
+#include "storage/chunk_list.h"
 #include "storage/chunk_rescue.h"
+#include "storage/element_copy.h"
 #include "storage/whole_flush.h"
 
 namespace vak {
@@ -63,13 +65,7 @@ Extents ChunkedDataset::inside(const Extents& corner) const
 
 void ChunkedDataset::fill(unsigned char* values) const
 {
-    size_t filled = element_size_;
-    std::memcpy(values, fill_value_.data(), filled);
-    while (filled < chunk_bytes_) {
-        const size_t more = std::min(filled, chunk_bytes_ - filled);
-        std::memcpy(values + filled, values, more);
-        filled += more;
-    }
+    repeat_element(fill_value_.data(), element_size_, values, chunk_bytes_ / element_size_);
 }
 
 // 0 when there is no such chunk, or HDF5 cannot tell.
@@ -90,11 +86,28 @@ bool ChunkedDataset::read(const Extents& corner, unsigned char* values)
     return codec_->decode(held_, values);
 }
 
+// HDF5 tells that there is no chunk otherwise than that it could not look.
+std::optional<ChunkValues> ChunkedDataset::values(const Extents& corner)
+{
+    if (!is_filtered()) {
+        unsigned char* bytes = values_.room(chunk_bytes_);
+        if (!read(corner, bytes)) return {};
+        return ChunkValues{bytes, false};
+    }
+    unsigned mask = 0;
+    haddr_t address = HADDR_UNDEF;
+    hsize_t size = 0;
+    if (H5Dget_chunk_info_by_coord(dataset_, corner.data(), &mask, &address, &size) < 0) return {};
+    if (address == HADDR_UNDEF) return ChunkValues{fill_value_.data(), true};
+    if (!hold(corner, size)) return {};
+    return codec_->decode(held_);
+}
+
 // Takes the chunk's bytes as they are stored; none where there is no such chunk.
 bool ChunkedDataset::hold(const Extents& corner, size_t size)
 {
     held_ = {};
-    if (size == 0 || size > largest_stored(chunk_bytes_)) return false;
+    if (size == 0 || size > largest_stored(chunk_bytes_) || !fits_in_file(dataset_, size)) return false;
     unsigned char* bytes = stored_.room(size);
     uint32_t mask = 0;
     if (H5Dread_chunk(dataset_, H5P_DEFAULT, corner.data(), &mask, bytes) < 0) return false;

@@ -33,6 +33,13 @@ public:
     // The values of a chunk in the stored type, fill values where nothing was written; false on failure.
     bool read(const Extents& corner, unsigned char* values);
 
+    // The same in memory of our own, of which no more is taken than the stored bytes can fill. Until the next
+    // call; nothing on failure.
+    std::optional<ChunkValues> values(const Extents& corner);
+
+    // Without a chunk all are this one, in the stored type.
+    const unsigned char* fill_value() const { return fill_value_.data(); }
+
     // Whether scale-offset rounded nothing in the chunk that was read last.
     bool was_exact() const { return was_exact_; }
 
@@ -73,6 +80,7 @@ private:
     std::vector<unsigned char> fill_value_;
     std::optional<ChunkCodec> codec_;
     Buffer stored_;
+    Buffer values_;
     StoredChunk held_;  // what was last read into it, and where from
     Extents held_corner_{};
     bool was_exact_ = true;

@@ -17,6 +17,7 @@ constexpr size_t fewest_bytes_unfiltered = size_t{64} * 1024;
 // Of what is read in parts: fewer values HDF5 reads as well one by one, and from larger chunks than these.
 constexpr hsize_t fewest_scattered = 64;
 constexpr size_t largest_scattered = size_t{1024} * 1024;
+constexpr hsize_t fewest_of_huge = hsize_t{1} << 20;
 
 // Whether both sides have elements that we can pass on, in the byte order of this machine.
 bool forms_match(const ChunkTransfer& t, const ChunkedDataset& chunks)
@@ -65,19 +66,27 @@ bool writes(const ChunkTransfer& t, const ChunkedDataset& chunks)
     return chunks.is_filtered() || takes_whole_chunks(t, chunks);
 }
 
-// Filtered chunks are unpacked here, since HDF5 takes what comes out of a filter for a chunk whatever its
-// length. Chunks without filters HDF5 reads from where they stand, past its cache: value by value where they
-// are not in runs, for which whole chunks are read instead.
-bool reads(const ChunkTransfer& t, const ChunkedDataset& chunks)
-{
-    if (!chunks.is_ours() || !forms_match(t, chunks)) return false;
-    return chunks.is_filtered() || chunks.chunk_bytes() <= largest_scattered;
-}
-
 bool is_scattered(const ChunkTransfer& t)
 {
     return t.part.mode != whole_dataset && !in_runs(t.part, t.extents) &&
            elements_of(t.part.counts(), 1).value_or(0) >= fewest_scattered;
+}
+
+// Filtered chunks are unpacked here, since HDF5 takes what comes out of a filter for a chunk whatever its
+// length. Chunks without filters HDF5 reads from where they stand, past its cache: value by value where they
+// are not in runs, for which whole chunks are read instead.
+// So they are where there are very many of them, most of which HDF5 would find to be absent one by one.
+bool reads(const ChunkTransfer& t, const ChunkedDataset& chunks)
+{
+    if (!chunks.is_ours() || !forms_match(t, chunks)) return false;
+    if (chunks.is_filtered()) return true;
+    return chunks.chunk_bytes() <= largest_scattered && (is_scattered(t) || is_sparse(t, chunks));
+}
+
+// Whether it may have so many chunks that it matters how many there are.
+bool is_huge(const ChunkTransfer& t)
+{
+    return t.part.mode != point_list && elements_of(t.part.counts(), 1).value_or(0) >= fewest_of_huge;
 }
 
 hid_t own_list(const ChunkTransfer& t) { return t.list_is_its_own ? t.list : H5I_INVALID_HID; }
@@ -96,7 +105,8 @@ Direct write_chunks(const ChunkTransfer& t, const void* data)
 
 Direct read_chunks(const ChunkTransfer& t, void* data)
 {
-    if (first_filter(t) < 0 && !(t.has_bare_chunks && is_scattered(t))) return Direct::left;
+    const bool may_pay = t.has_bare_chunks && (is_scattered(t) || is_huge(t));
+    if (first_filter(t) < 0 && !may_pay) return Direct::left;
     ChunkedDataset chunks(t.dataset, own_list(t), t.extents);
     if (!reads(t, chunks)) return Direct::left;
     return outcome(t.part.mode == point_list ? read_points(t, chunks, data) : read_box(t, chunks, data));

@@ -1,6 +1,7 @@
 // Copying with conversion.
 #include "storage/element_copy.h"
 
+#include <algorithm>
 #include <cstring>
 #include <limits>
 
@@ -49,6 +50,18 @@ void copy_elements(const ElementForm& form, const unsigned char* from, unsigned 
         convert<float, double>(from, to, count, [](float value) { return double{value}; });
     } else {
         convert<double, float>(from, to, count, narrow);
+    }
+}
+
+void repeat_element(const unsigned char* element, size_t size, unsigned char* to, size_t count)
+{
+    if (count == 0) return;
+    std::memcpy(to, element, size);
+    const size_t all = size * count;
+    for (size_t filled = size; filled < all;) {
+        const size_t more = std::min(filled, all - filled);
+        std::memcpy(to + filled, to, more);
+        filled += more;
     }
 }
 

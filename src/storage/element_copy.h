@@ -16,4 +16,7 @@ struct ElementForm {
 bool can_copy(const ElementForm& form);
 void copy_elements(const ElementForm& form, const unsigned char* from, unsigned char* to, size_t count);
 
+// So many copies of one element, as it is.
+void repeat_element(const unsigned char* element, size_t size, unsigned char* to, size_t count);
+
 }  // namespace vak

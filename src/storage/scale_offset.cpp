@@ -71,9 +71,8 @@ bool keeps_all(const ScaleOffset& form)
     return !form.real && static_cast<size_t>(form.factor) == 8 * form.size;
 }
 
-bool copy_values(const ScaleOffset& form, const unsigned char* from, size_t size, void* values)
+bool copy_values(const ScaleOffset& form, const unsigned char* from, void* values)
 {
-    if (size < form.count * form.size) return false;
     std::memcpy(values, from, form.count * form.size);
     return true;
 }
@@ -113,27 +112,40 @@ bool scale_offset_fits(const unsigned char* packed, size_t size, size_t count, s
     return bits < 8 * element_size && size - header_size >= packed_bytes(count, static_cast<unsigned>(bits));
 }
 
-bool unpack_scale_offset(const ScaleOffset& form, const unsigned char* packed, size_t size, void* values)
+bool can_unpack_scale_offset(const ScaleOffset& form, const unsigned char* packed, size_t size)
 {
-    if (keeps_all(form)) return copy_values(form, packed, size, values);
+    if (keeps_all(form)) return size >= form.count * form.size;
     if (size < header_size) return false;
     const uint64_t bits = get_number(packed, 4);
-    const uint64_t low = get_number(packed + 5, std::min<size_t>(packed[4], 8));
-    const unsigned char* from = packed + header_size;
-    if (bits == 8 * form.size) return copy_values(form, from, size - header_size, values);
     if (bits > 8 * form.size) return false;
     const auto code_bits = static_cast<unsigned>(bits);
-    // Another size is that of what stood here before, where its place was not written behind the new bytes.
     const size_t needed = header_size + packed_bytes(form.count, code_bits);
-    if (size != needed && size != packed_size(form, code_bits)) return false;
+    if (bits == 8 * form.size) return size >= needed;
+    // Another size is that of what stood here before, where its place was not written behind the new bytes.
+    return size == needed || size == packed_size(form, code_bits);
+}
+
+bool is_one_value(const ScaleOffset& form, const unsigned char* packed)
+{
+    return !keeps_all(form) && get_number(packed, 4) == 0;
+}
+
+bool unpack_scale_offset(const ScaleOffset& form, const unsigned char* packed, size_t size, void* values)
+{
+    if (!can_unpack_scale_offset(form, packed, size)) return false;
+    if (keeps_all(form)) return copy_values(form, packed, values);
+    const auto bits = static_cast<unsigned>(get_number(packed, 4));
+    const uint64_t low = get_number(packed + 5, std::min<size_t>(packed[4], 8));
+    const unsigned char* from = packed + header_size;
+    if (bits == 8 * form.size) return copy_values(form, from, values);
     if (form.real && form.size == 4) {
-        unpack(form, RealCodes<float>(form, code_bits, low), from, values);
+        unpack(form, RealCodes<float>(form, bits, low), from, values);
     } else if (form.real) {
-        unpack(form, RealCodes<double>(form, code_bits, low), from, values);
+        unpack(form, RealCodes<double>(form, bits, low), from, values);
     } else if (form.size == 4) {
-        unpack(form, IntegerCodes<int32_t>(form, code_bits, low), from, values);
+        unpack(form, IntegerCodes<int32_t>(form, bits, low), from, values);
     } else {
-        unpack(form, IntegerCodes<int64_t>(form, code_bits, low), from, values);
+        unpack(form, IntegerCodes<int64_t>(form, bits, low), from, values);
     }
     return true;
 }

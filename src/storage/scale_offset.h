@@ -33,6 +33,12 @@ size_t pack_scale_offset(const ScaleOffset& form, const void* values, unsigned c
 // Whether the bytes are a header and codes of so many values of so many bytes, as HDF5 reads them.
 bool scale_offset_fits(const unsigned char* packed, size_t size, size_t count, size_t element_size);
 
+// False: the bytes cannot be a chunk of this form.
+bool can_unpack_scale_offset(const ScaleOffset& form, const unsigned char* packed, size_t size);
+
+// Of such bytes: whether they are few and say that all values of the chunk are the same.
+bool is_one_value(const ScaleOffset& form, const unsigned char* packed);
+
 // Reads chunks of full precision as well. False: the bytes cannot be a chunk of this form.
 bool unpack_scale_offset(const ScaleOffset& form, const unsigned char* packed, size_t size, void* values);
 
