@@ -12,7 +12,7 @@ namespace vak {
 namespace {
 
 constexpr double slack = 64 * 1024;
-constexpr double most_for_hdf5 = 1 << 20;
+constexpr hsize_t most_for_hdf5 = hsize_t{1} << 20;
 constexpr double largest_nominal = 0xFFFFFFFF;  // of HDF5
 
 class Chunks {
@@ -106,32 +106,58 @@ bool each_is_plausible(Chunks& chunks, const Extents& first, const Extents& end)
     return true;
 }
 
-bool box_is_plausible(Chunks& chunks, const Extents& start, const Extents& end)
+// Where HDF5 itself would take for ever.
+bool is_beyond_hdf5(const SparseChunks& sparse)
 {
-    const auto sparse = sparse_chunks(chunks.dataset, {chunks.rank, chunks.extent, start, end});
-    if (!sparse.is_sparse) return each_is_plausible(chunks, chunks.corner(start.data()), end);
-    // For so many HDF5 itself takes for ever.
-    const bool are_too_many = chunks.is_unpacking() && sparse.chunks > most_for_hdf5;
-    return sparse.is_known && !are_too_many &&
+    return sparse.is_sparse && sparse.chunks > static_cast<double>(most_for_hdf5);
+}
+
+bool box_is_plausible(Chunks& chunks, const ChunkBox& box)
+{
+    const auto sparse = sparse_chunks(chunks.dataset, box);
+    if (!sparse.is_sparse) return each_is_plausible(chunks, chunks.corner(box.first.data()), box.end);
+    return sparse.is_known && !(chunks.is_unpacking() && is_beyond_hdf5(sparse)) &&
            std::ranges::all_of(sparse.corners, [&](const Extents& at) { return chunks.plausible(at); });
+}
+
+// Only then may there be more chunks than HDF5 can look for.
+bool is_huge(const Part& part)
+{
+    return part.mode != point_list && elements_of(part.counts(), 1).value_or(0) > most_for_hdf5;
+}
+
+// The part as far as the dataset goes; where it is yet to grow there are no chunks.
+std::optional<ChunkBox> box_of(const Chunks& chunks, const Part& part, std::span<const hsize_t> extents)
+{
+    ChunkBox box{.rank = chunks.rank, .chunk = chunks.extent};
+    std::copy(extents.begin(), extents.end(), box.end.begin());
+    if (part.mode == hyperslab) {
+        std::copy(part.start, part.start + part.rank, box.first.begin());
+        std::transform(part.start, part.start + part.rank, part.count, box.end.begin(), std::plus<>());
+    }
+    for (size_t i = 0; i < extents.size(); ++i) {
+        if (box.first[i] >= extents[i]) return {};
+        box.end[i] = std::min(box.end[i], extents[i]);
+    }
+    return box;
 }
 
 bool part_is_plausible(Chunks& chunks, const Part& part, std::span<const hsize_t> extents)
 {
     if (part.mode == point_list) return points_are_plausible(chunks, part);
-    Extents start{};
-    Extents end{};
-    std::copy(extents.begin(), extents.end(), end.begin());
-    if (part.mode == hyperslab) {
-        std::copy(part.start, part.start + part.rank, start.begin());
-        std::transform(part.start, part.start + part.rank, part.count, end.begin(), std::plus<>());
-    }
-    // Where the dataset is yet to grow there are no chunks.
-    for (size_t i = 0; i < extents.size(); ++i) {
-        if (start[i] >= extents[i]) return true;
-        end[i] = std::min(end[i], extents[i]);
-    }
-    return box_is_plausible(chunks, start, end);
+    const auto box = box_of(chunks, part, extents);
+    return !box || box_is_plausible(chunks, *box);
+}
+
+// Of a dataset without filters.
+bool is_within_reach(hid_t dataset, const Part& part, std::span<const hsize_t> extents)
+{
+    if (!is_huge(part)) return true;
+    const Properties list(H5Dget_create_plist(dataset));
+    if (H5Pget_layout(list.get()) != H5D_CHUNKED) return true;
+    const Chunks chunks(dataset, list.get(), extents.size(), 1);
+    const auto box = box_of(chunks, part, extents);
+    return chunks.known && (!box || !is_beyond_hdf5(sparse_chunks(dataset, *box)));
 }
 
 }  // namespace
@@ -144,12 +170,12 @@ bool chunks_are_plausible(hid_t dataset, const FoundLayout& found, const Part& p
     return chunks.known && part_is_plausible(chunks, part, extents);
 }
 
-bool chunks_are_sound(hid_t dataset, const FoundLayout& found, const Part& part,
-                      std::span<const hsize_t> extents, size_t element_size)
+bool chunks_are_sound(hid_t dataset, hid_t list, const Part& part, std::span<const hsize_t> extents)
 {
-    if (found.filters == 0) return true;
-    Chunks chunks(dataset, found.list.get(), extents.size(), element_size);
-    return chunks.known && chunks.unpack(found.list.get()) && part_is_plausible(chunks, part, extents);
+    if (list < 0 || H5Pget_nfilters(list) == 0) return is_within_reach(dataset, part, extents);
+    const Type type(H5Dget_type(dataset));
+    Chunks chunks(dataset, list, extents.size(), H5Tget_size(type.get()));
+    return chunks.known && chunks.unpack(list) && part_is_plausible(chunks, part, extents);
 }
 
 }  // namespace vak

@@ -124,9 +124,12 @@ int32_t read_values(const DatasetRead& r, const Source& source)
     const Direct direct = read_by_chunks(r, source);
     if (direct == Direct::failed) return fail(r, 999, -1);
     if (direct == Direct::done) return 0;
-    const auto are_right = r.data == nullptr ? chunks_are_plausible : chunks_are_sound;
-    if (!are_right(source.dataset.get(), source.layout, r.part, source.shape(), source.type.size))
-        return fail(r, 999, -1);
+    const hid_t dataset = source.dataset.get();
+    const bool are_right =
+        r.data == nullptr
+            ? chunks_are_plausible(dataset, source.layout, r.part, source.shape(), source.type.size)
+            : chunks_are_sound(dataset, source.layout.list.get(), r.part, source.shape());
+    if (!are_right) return fail(r, 999, -1);
     return r.data == nullptr ? 0 : read_by_hdf5(r, source);
 }
 

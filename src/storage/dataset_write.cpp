@@ -216,6 +216,10 @@ int32_t write_values(const DatasetWrite& w, Target& target)
         const Direct direct = write_by_chunks(w, target, Chunks::present);
         if (direct == Direct::failed) return give_up_chunks(w, target);
         if (direct == Direct::done) rest = Chunks::added;
+        // HDF5 would unpack them.
+        if (direct == Direct::left && !chunks_are_sound(target.dataset.get(), target.list.get(), w.part,
+                                                        {target.before.data(), w.dims.size()}))
+            return fail(w, 999, -1, -3999);
     }
     if (w.extendible() && !target.is_new)
         if (const int32_t status = grow(w, target, target.before)) return status;

@@ -68,6 +68,17 @@ TEST_F(ClaimedChunks, that_hdf5_would_have_to_convert_are_refused)
     EXPECT_EQ(read_values(nullptr, integer_type, 4, {.dims = {number}}), done);
 }
 
+TEST_F(ClaimedChunks, without_filters_that_hdf5_would_have_to_convert_are_refused)
+{
+    make(H5T_STD_I32BE, [](hid_t) {});
+    std::vector<int32_t> found(number);
+    EXPECT_EQ(read(found, {.dims = {number}}), refusal);
+    EXPECT_EQ(read(found, most()), refusal);
+    EXPECT_EQ(read(found, {.dims = {number}, .count = {2}, .start = {number - 2}, .mode = hyperslab}), done);
+    EXPECT_EQ(found[0], 8);
+    EXPECT_EQ(found[1], 5);
+}
+
 // A chunk of 2 GiB, of which the dataset has ten values, in a small file. Reading them takes no such memory.
 struct Claim {
     const char* name;

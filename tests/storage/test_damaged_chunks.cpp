@@ -66,6 +66,15 @@ protected:
             H5Dcreate2(file, "values", GetParam().type(), space, H5P_DEFAULT, list, H5P_DEFAULT), "values");
         ASSERT_GE(H5Dwrite(dataset, H5T_NATIVE_INT, H5S_ALL, H5S_ALL, H5P_DEFAULT, values.data()), 0);
     }
+
+    void put_short_chunk()
+    {
+        const Bytes& bytes = GetParam().short_chunk;
+        const hsize_t first[] = {0, 0};
+        ASSERT_GE(H5Dwrite_chunk(open_object(file, "values"), H5P_DEFAULT, GetParam().mask, first,
+                                 bytes.size(), bytes.data()),
+                  0);
+    }
 };
 
 TEST_P(DamagedForeign, chunk_that_holds_too_little_is_refused_before_hdf5_unpacks_it)
@@ -73,11 +82,7 @@ TEST_P(DamagedForeign, chunk_that_holds_too_little_is_refused_before_hdf5_unpack
     make();
     reopen();
     expect_right_in_every_way();
-    const Bytes& bytes = GetParam().short_chunk;
-    const hsize_t first[] = {0, 0};
-    ASSERT_GE(H5Dwrite_chunk(open_object(file, "values"), H5P_DEFAULT, GetParam().mask, first, bytes.size(),
-                             bytes.data()),
-              0);
+    put_short_chunk();
     std::vector<int32_t> found(states * width);
     EXPECT_EQ(read(found, {.dims = {states, width}}), refusal);
     const Access column{.dims = {states, width}, .count = {states, 1}, .start = {0, 5}, .mode = hyperslab};
@@ -85,6 +90,22 @@ TEST_P(DamagedForeign, chunk_that_holds_too_little_is_refused_before_hdf5_unpack
     const Access point{.dims = {states, width}, .count = {1}, .start = {1, 31}, .mode = point_list};
     EXPECT_EQ(read(found, point), refusal);
     expect_slab({2, 0}, {2, width});  // a sound chunk
+}
+
+TEST_P(DamagedForeign, chunk_that_holds_too_little_is_not_changed_in_part)
+{
+    make();
+    put_short_chunk();
+    const Outcome unwritten = not_written(-3999, 999, "values 2 4 4 1 -1");
+    const std::vector<int32_t> row = numbers<int32_t>(width, 50);
+    const auto row_at = [](hsize_t state) {
+        return Access{.dims = {states, width}, .count = {1, width}, .start = {state, 0}, .mode = hyperslab};
+    };
+    EXPECT_EQ(write(row, row_at(1)), unwritten);
+    EXPECT_EQ(write(row, row_at(2)), done);
+    std::copy(row.begin(), row.end(), values.begin() + 2 * width);
+    reopen();
+    expect_slab({2, 0}, {4, width});
 }
 
 INSTANTIATE_TEST_SUITE_P(All, DamagedForeign, testing::ValuesIn(foreign_datasets),
