@@ -5,7 +5,6 @@
 
 #include "storage/chunk_check.h"
 #include "storage/direct_chunks.h"
-#include "storage/rows_in_file.h"
 
 namespace vak {
 
@@ -151,18 +150,16 @@ int32_t take_first(DatasetRead& r, const Source& source)
     return 0;
 }
 
-int32_t open_space(DatasetRead& r, Source& source)
+int32_t check_space(DatasetRead& r, Source& source)
 {
-    source.space = Space(H5Dget_space(source.dataset.get()));
-    const int rank =
-        H5Sget_simple_extent_dims(source.space.get(), source.extents.data(), source.maximum.data());
-    if (rank < 0) return fail(r, 999, rank);
-    source.rank = static_cast<size_t>(rank);
-    const auto rows =
-        rows_in_file(source.dataset.get(), source.shape(), {source.maximum.data(), source.rank});
-    if (!rows) return fail(r, 999, -1);
-    source.has_lost_rows = *rows < source.extents[0];
-    source.extents[0] = *rows;
+    if (source.rank_or_error < 0) return fail(r, 999, source.rank_or_error);
+    if (!source.layout.has_row) {
+        const auto rows =
+            rows_in_file(source.dataset.get(), source.shape(), {source.maximum.data(), source.rank});
+        if (!rows) return fail(r, 999, -1);
+        source.has_lost_rows = *rows < source.extents[0];
+        source.extents[0] = *rows;
+    }
     if (r.part.rank == 0)
         if (const int32_t status = take_first(r, source)) return status;
     const int32_t status = check_part(r, source);
@@ -183,7 +180,7 @@ bool open_past_cache(const DatasetRead& r, Source& source, hid_t location, hid_t
 int32_t read_opened(DatasetRead& r, Source& source)
 {
     if (!source.layout.is_usable) return fail(r, 999, -1);
-    if (const int32_t status = open_space(r, source)) return status;
+    if (const int32_t status = check_space(r, source)) return status;
     if (const int32_t status = take_filters(r, source.layout)) return status;
     r.memory_type = memory_type_beside(source.type, r.type, r.memory_type, r.data_size);
     return read_values(r, source);

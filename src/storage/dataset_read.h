@@ -4,6 +4,7 @@
 #include "storage/dataset_layout.h"
 #include "storage/element_type.h"
 #include "storage/found_layout.h"
+#include "storage/rows_in_file.h"
 
 namespace vak {
 
@@ -22,17 +23,23 @@ struct DatasetRead {
 // The dataset that is read from.
 struct Source {
     Source(Dataset opened, FoundType found)
-        : dataset(std::move(opened)), type(std::move(found)), layout(dataset.get())
+        : dataset(std::move(opened)),
+          type(std::move(found)),
+          space(H5Dget_space(dataset.get())),
+          rank_or_error(H5Sget_simple_extent_dims(space.get(), extents.data(), maximum.data())),
+          rank(rank_or_error < 0 ? 0 : static_cast<size_t>(rank_or_error)),
+          layout(dataset.get(), last_row(shape(), {maximum.data(), rank}))
     {
     }
 
     Dataset dataset;
     FoundType type;
-    FoundLayout layout;
-    Space space{};
+    Space space;
     Extents extents{};
     Extents maximum{};
-    size_t rank = 0;
+    int rank_or_error;
+    size_t rank;
+    FoundLayout layout;
     bool has_lost_rows = false;  // the dataset's own extents count more than are in the file
 
     std::span<const hsize_t> shape() const { return {extents.data(), rank}; }

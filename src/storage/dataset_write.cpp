@@ -119,14 +119,10 @@ bool repacks(const DatasetWrite& w, const Target& target)
 }
 
 // Rows that a flush has lost give way to what is written now.
-int32_t take_extents(const DatasetWrite& w, Target& target)
+int32_t give_up_lost_rows(const DatasetWrite& w, Target& target, std::span<const hsize_t> maximum)
 {
-    const size_t rank = w.dims.size();
-    Extents maximum{};
-    H5Sget_simple_extent_dims(target.space.get(), target.before.data(), maximum.data());
-    if (!w.extendible()) return 0;
     const hid_t dataset = target.dataset.get();
-    const auto rows = rows_in_file(dataset, {target.before.data(), rank}, {maximum.data(), rank});
+    const auto rows = rows_in_file(dataset, {target.before.data(), maximum.size()}, maximum);
     if (!rows) return fail(w, 999, -1, -3999);
     if (*rows == target.before[0]) return 0;
     target.before[0] = *rows;
@@ -142,15 +138,18 @@ int32_t open_dataset(DatasetWrite& w, Target& target)
     if (dataset < 0) return fail(w, 10, dataset, -3010);
     FoundType found(H5Dget_type(dataset));
     if (found.type_class != w.type_class) return fail(w, 10, found.type_class, -3010);
-    FoundLayout layout(dataset);
-    if (!layout.is_usable) return fail(w, 999, -1, -3999);
     target.space = Space(H5Dget_space(dataset));
+    Extents& present = target.before;
+    Extents maximum{};
+    const int32_t rank = H5Sget_simple_extent_dims(target.space.get(), present.data(), maximum.data());
+    const auto axes = static_cast<size_t>(std::max(rank, 0));
+    FoundLayout layout(dataset, last_row({present.data(), axes}, {maximum.data(), axes}));
+    if (!layout.is_usable) return fail(w, 999, -1, -3999);
     if (!target.space.valid()) return fail(w, 110, target.space.get(), -3110);
-    const int32_t rank = H5Sget_simple_extent_ndims(target.space.get());
     if (rank != static_cast<int32_t>(w.dims.size())) return fail(w, 20, rank, -3020);
     if (H5Sget_simple_extent_type(target.space.get()) == H5S_NULL) return fail(w, 999, -1, -3999);
-    const Extents& present = target.before;
-    if (const int32_t status = take_extents(w, target)) return status;
+    if (w.extendible() && !layout.has_row)
+        if (const int32_t status = give_up_lost_rows(w, target, {maximum.data(), axes})) return status;
     if (const int32_t status = place(w, present)) return status;
     if (!chunks_are_plausible(dataset, layout, w.part, {present.data(), w.dims.size()}, found.size))
         return fail(w, 999, -1, -3999);

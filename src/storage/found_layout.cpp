@@ -10,23 +10,27 @@ constexpr uint64_t filters_message = uint64_t{1} << 11;
 
 // What is asked of contiguous, chunked and compact datasets in turn. A virtual dataset says no to each, as
 // others do before anything is written.
-H5D_layout_t layout_with_storage(hid_t dataset)
+H5D_layout_t layout_with_storage(hid_t dataset, hsize_t row, bool& has_row)
 {
+    const hsize_t place[H5S_MAX_RANK] = {row};
     const hsize_t origin[H5S_MAX_RANK] = {};
-    hsize_t chunk_bytes;
+    hsize_t chunk_bytes = 0;
     if (H5Dget_offset(dataset) != HADDR_UNDEF) return H5D_CONTIGUOUS;
-    if (H5Dget_chunk_storage_size(dataset, origin, &chunk_bytes) >= 0) return H5D_CHUNKED;
+    const bool is_chunked = H5Dget_chunk_storage_size(dataset, place, &chunk_bytes) >= 0;
+    has_row = chunk_bytes > 0;
+    if (is_chunked || (row > 0 && H5Dget_chunk_storage_size(dataset, origin, &chunk_bytes) >= 0))
+        return H5D_CHUNKED;
     return H5Dget_storage_size(dataset) > 0 ? H5D_COMPACT : H5D_LAYOUT_ERROR;
 }
 
 // The layout of a dataset that has neither filters nor values elsewhere, asked at a tenth of the price of its
 // creation list; an error where this cannot be told.
-H5D_layout_t plain_layout(hid_t dataset)
+H5D_layout_t plain_layout(hid_t dataset, hsize_t row, bool& has_row)
 {
     H5O_native_info_t info;
     if (H5Oget_native_info(dataset, &info, H5O_NATIVE_INFO_HDR) < 0) return H5D_LAYOUT_ERROR;
     const uint64_t in_the_way = info.hdr.mesg.present & (external_files_message | filters_message);
-    return in_the_way == 0 ? layout_with_storage(dataset) : H5D_LAYOUT_ERROR;
+    return in_the_way == 0 ? layout_with_storage(dataset, row, has_row) : H5D_LAYOUT_ERROR;
 }
 
 bool known_filter(H5Z_filter_t filter)
@@ -49,9 +53,9 @@ bool known_filters(hid_t list, int number)
 
 }  // namespace
 
-FoundLayout::FoundLayout(hid_t dataset)
+FoundLayout::FoundLayout(hid_t dataset, hsize_t row)
 {
-    const H5D_layout_t plain = plain_layout(dataset);
+    const H5D_layout_t plain = plain_layout(dataset, row, has_row);
     has_bare_chunks = plain == H5D_CHUNKED;
     if (plain != H5D_LAYOUT_ERROR) return;
     list = Properties(H5Dget_create_plist(dataset));

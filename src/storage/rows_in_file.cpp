@@ -90,6 +90,11 @@ std::optional<hsize_t> rows_up_to_last_chunk(hid_t dataset, std::span<const hsiz
 
 }  // namespace
 
+hsize_t last_row(std::span<const hsize_t> extents, std::span<const hsize_t> maximum)
+{
+    return grows_by_rows(extents, maximum) ? extents[0] - 1 : 0;
+}
+
 std::optional<hsize_t> rows_in_file(hid_t dataset, std::span<const hsize_t> extents,
                                     std::span<const hsize_t> maximum)
 {
