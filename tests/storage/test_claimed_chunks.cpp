@@ -1,7 +1,15 @@
 // Small files that claim very large chunks, or very many of them: neither memory nor time is taken for what
 // is not there.
 #include "damaged_layouts_test.h"
+#include "refusal.h"
+#include "support/failing_memory.h"
 #include "support/memory_limit.h"
+
+// clang-format off
+MAY_REFUSE(herr_t, H5Dget_num_chunks, (hid_t d, hid_t s, hsize_t* n), (d, s, n))
+MAY_REFUSE(herr_t, H5Dchunk_iter, (hid_t d, hid_t x, H5D_chunk_iter_op_t f, void* p), (d, x, f, p))
+MAY_REFUSE(herr_t, H5Dget_chunk_info_by_coord, (hid_t d, const hsize_t* o, unsigned* m, haddr_t* a, hsize_t* n), (d, o, m, a, n))
+// clang-format on
 
 namespace vak::test {
 
@@ -27,6 +35,11 @@ protected:
         H5Sselect_elements(space, H5S_SELECT_SET, 2, written);
         ASSERT_GE(H5Dwrite(dataset, H5T_NATIVE_INT, two, space, H5P_DEFAULT, numbers), 0);
     }
+
+    void begin_routine() override { refused = to_refuse; }
+    void end_routine() override { refused.clear(); }
+
+    std::string to_refuse;
 
     // All but the first few.
     static Access most()
@@ -58,6 +71,50 @@ TEST_F(ClaimedChunks, without_filters_that_were_never_written_are_read_at_once)
 {
     make(H5T_STD_I32LE, [](hid_t) {});
     expect_read_at_once();
+}
+
+TEST_F(ClaimedChunks, that_cannot_be_counted_or_listed_are_refused)
+{
+    std::vector<int32_t> found(number);
+    make(H5T_STD_I32LE, [](hid_t l) { H5Pset_deflate(l, 6); });
+    for (const char* function : {"H5Dget_num_chunks", "H5Dchunk_iter"}) {
+        to_refuse = function;
+        EXPECT_EQ(read(found, {.dims = {number}}), refusal) << function;
+        EXPECT_EQ(read_values(nullptr, integer_type, 4, {.dims = {number}}), refusal) << function;
+    }
+}
+
+TEST_F(ClaimedChunks, whose_places_cannot_be_told_are_not_taken_for_absent)
+{
+    make(H5T_STD_I64LE, [](hid_t l) { H5Pset_deflate(l, 6); });
+    const Access last{.dims = {number}, .count = {2}, .start = {number - 2}, .mode = hyperslab};
+    std::vector<int64_t> wide(2);
+    EXPECT_EQ(read(wide, last), done);
+    EXPECT_EQ(wide, (std::vector<int64_t>{8, 5}));
+    to_refuse = "H5Dget_chunk_info_by_coord";
+    const Access points{.dims = {number}, .count = {1}, .start = {number - 2}, .mode = point_list};
+    EXPECT_EQ(read(wide, points), not_read(999, "values 2 8 -1"));
+}
+
+TEST_F(ClaimedChunks, are_listed_whole_or_not_at_all_when_memory_runs_out)
+{
+    make(H5T_STD_I32LE, [](hid_t l) { H5Pset_deflate(l, 6); });
+    std::vector<int32_t> found(number);
+    int32_t status = 0;
+    const auto read_all = [&] {
+        const QuietHdf5 quiet;
+        const hsize_t extents[] = {number};
+        try {
+            status = VAK_H5Dread("values", found.data(), integer_type, 4, extents, 1, nullptr, nullptr,
+                                 whole_dataset, file, nullptr, nullptr);
+        } catch (const std::bad_alloc&) {
+            status = 1;
+        }
+    };
+    long allocation = 0;
+    for (; runs_out_at(allocation, read_all); ++allocation) EXPECT_EQ(status, 1) << allocation;
+    EXPECT_GT(allocation, 3);
+    EXPECT_EQ(status, 0);
 }
 
 TEST_F(ClaimedChunks, that_hdf5_would_have_to_convert_are_refused)
