@@ -46,11 +46,9 @@ int64_t states_in(const Block& io, const char* section, const char* name)
     const Space space(H5Dget_space(dataset.get()));
     Extents extents{};
     Extents maximum{};
-    const int rank = H5Sget_simple_extent_dims(space.get(), extents.data(), maximum.data());
+    const int rank = extents_in_file(dataset.get(), space.get(), extents, maximum);
     if (rank < 1) return rank < 0 ? not_told : none;
-    const auto axes = static_cast<size_t>(rank);
-    const auto states = rows_in_file(dataset.get(), {extents.data(), axes}, {maximum.data(), axes});
-    return states ? static_cast<int64_t>(*states) : not_told;
+    return static_cast<int64_t>(extents[0]);
 }
 
 // The extent of the values, else of the index rows.

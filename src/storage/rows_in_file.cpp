@@ -103,4 +103,14 @@ std::optional<hsize_t> rows_in_file(hid_t dataset, std::span<const hsize_t> exte
     return rows_up_to_last_chunk(dataset, extents);
 }
 
+int extents_in_file(hid_t dataset, hid_t space, Extents& extents, Extents& maximum)
+{
+    const int rank = H5Sget_simple_extent_dims(space, extents.data(), maximum.data());
+    if (rank < 1) return rank;
+    const auto axes = static_cast<size_t>(rank);
+    const auto rows = rows_in_file(dataset, {extents.data(), axes}, {maximum.data(), axes});
+    extents[0] = rows.value_or(0);
+    return rows ? rank : -1;
+}
+
 }  // namespace vak

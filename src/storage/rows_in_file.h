@@ -14,4 +14,7 @@ hsize_t last_row(std::span<const hsize_t> extents, std::span<const hsize_t> maxi
 std::optional<hsize_t> rows_in_file(hid_t dataset, std::span<const hsize_t> extents,
                                     std::span<const hsize_t> maximum);
 
+// The extents of a dataset with only these rows. Its rank; negative where HDF5 cannot tell.
+int extents_in_file(hid_t dataset, hid_t space, Extents& extents, Extents& maximum);
+
 }  // namespace vak

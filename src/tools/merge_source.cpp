@@ -4,6 +4,7 @@
 #include <new>
 
 #include "storage/found_layout.h"
+#include "storage/rows_in_file.h"
 
 namespace vak {
 
@@ -114,12 +115,12 @@ Stored SourceBlock::find(const Column& c) const
     if (s.is_lost) return s;
     const Type type(H5Dget_type(dataset.get()));
     const Space space(H5Dget_space(dataset.get()));
-    const int rank = H5Sget_simple_extent_ndims(space.get());
+    Extents extents{}, maximum{};
+    const int rank = extents_in_file(dataset.get(), space.get(), extents, maximum);
     s.is_there = rank >= 0;
     s.is_lost = !s.is_there;
     s.element = H5Tget_size(type.get());
-    s.dims.resize(static_cast<size_t>(std::max(rank, 0)));
-    H5Sget_simple_extent_dims(space.get(), s.dims.data(), nullptr);
+    s.dims.assign(extents.begin(), extents.begin() + std::max(rank, 0));
     const FoundLayout layout(dataset.get());
     s.is_plain = layout.is_usable && layout.filters == 0;
     // Only what is contiguous has a place in the file.

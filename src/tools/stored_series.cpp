@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <new>
 
+#include "storage/rows_in_file.h"
 #include "storage/storage.h"
 
 namespace vak {
@@ -49,11 +50,10 @@ int32_t type_code_of(hid_t type)
 bool take_shape(StoredSeries& s)
 {
     const Space space(H5Dget_space(s.dataset.get()));
-    const int rank = H5Sget_simple_extent_ndims(space.get());
+    const int rank = extents_in_file(s.dataset.get(), space.get(), s.dims, s.max_dims);
     if (rank < 1 || H5Pget_layout(s.creation.get()) != H5D_CHUNKED) return false;
     s.rank = static_cast<size_t>(rank);
-    return H5Sget_simple_extent_dims(space.get(), s.dims.data(), s.max_dims.data()) == rank &&
-           H5Pget_chunk(s.creation.get(), rank, s.chunk.data()) == rank;
+    return H5Pget_chunk(s.creation.get(), rank, s.chunk.data()) == rank;
 }
 
 size_t bytes_of(const StoredSeries& s, const hsize_t* extents)

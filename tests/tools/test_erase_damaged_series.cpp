@@ -33,6 +33,21 @@ TEST_P(EraseDamagedSeries, rows_that_a_failed_call_left_behind_are_no_states)
     EXPECT_EQ(attribute_value<int32_t>(file, listed(s), "nstate"), 1);
 }
 
+// As a flush leaves them that was cut off after the extents were written.
+TEST_P(EraseDamagedSeries, states_without_values_in_the_file_are_no_states)
+{
+    const auto s = series({1, 2, 3});
+    EXPECT_EQ(write(s), success);
+    const hsize_t counted[3] = {5, 3, 2}, rows[2] = {6, 2};
+    EXPECT_GE(H5Dset_extent(open_object(file, data_of(s, "res")), counted), 0);
+    for (const char* name : {"indexident", "indexval"})
+        EXPECT_GE(H5Dset_extent(open_object(file, index_of(s, name)), rows), 0);
+    EXPECT_EQ(erase({2}), erased());
+    expect_series(only(s, {0, 1}));
+    EXPECT_EQ(dataset_extents(file, data_of(s, "res")).at(0), 2);
+    EXPECT_EQ(dataset_extents(file, index_of(s, "indexident")).at(0), 2);
+}
+
 // The rows of the index and the values say different numbers of states.
 TEST_P(EraseDamagedSeries, fewer_index_rows_than_states_end_the_run_before_anything_is_changed)
 {

@@ -203,6 +203,23 @@ TEST_P(MergeSeries, are_the_same_whatever_the_number_of_slices)
     EXPECT_EQ(wrong, 0U);
 }
 
+// As a flush leaves them that was cut off after the extents were written.
+TEST_P(MergeSeries, of_a_file_with_states_without_values_are_those_with_values)
+{
+    const auto r = series({1, 2, 3}, 2);
+    const hid_t domain = add_domain();
+    EXPECT_EQ(r.write(domain), 0);
+    const hsize_t extents[] = {4, 3, 1}, rows[] = {4, 2};
+    EXPECT_GE(H5Dset_extent(open_object(domain, r.path() + data() + "res"), extents), 0);
+    for (const char* const name : {"indexident", "indexval"})
+        EXPECT_GE(H5Dset_extent(open_object(domain, r.path() + index() + name), rows), 0);
+
+    EXPECT_EQ(merge(1), 0) << printed();
+
+    EXPECT_EQ(merged(r, "res"), r.res);
+    EXPECT_EQ(attribute_value<int32_t>(target(), r.path() + header(), "nstate"), 2);
+}
+
 // The extents, with a value in the last of the rows.
 void grow(const ObjectId& array, const std::vector<hsize_t>& extents)
 {
