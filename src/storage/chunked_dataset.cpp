@@ -6,6 +6,7 @@
 
 #include "storage/chunk_gap.h"
 #include "storage/chunk_list.h"
+#include "storage/chunk_presence.h"
 #include "storage/chunk_rescue.h"
 #include "storage/element_copy.h"
 #include "storage/whole_flush.h"
@@ -68,17 +69,10 @@ void ChunkedDataset::fill(unsigned char* values) const
     repeat_element(fill_value_.data(), element_size_, values, chunk_bytes_ / element_size_);
 }
 
-// 0 when there is no such chunk, or HDF5 cannot tell.
-size_t ChunkedDataset::stored_size(const Extents& corner) const
-{
-    hsize_t size = 0;
-    return H5Dget_chunk_storage_size(dataset_, corner.data(), &size) < 0 ? 0 : size;
-}
-
 bool ChunkedDataset::read(const Extents& corner, unsigned char* values)
 {
     was_exact_ = true;
-    const size_t size = stored_size(corner);
+    const size_t size = stored_bytes(dataset_, corner);
     // Without filters HDF5 tells the size that the chunk should have, but reads as much as the file notes.
     if (size == 0 || !is_filtered()) return read_by_hdf5(corner, values);
     if (!hold(corner, size)) return false;
@@ -86,7 +80,6 @@ bool ChunkedDataset::read(const Extents& corner, unsigned char* values)
     return codec_->decode(held_, values);
 }
 
-// HDF5 tells that there is no chunk otherwise than that it could not look.
 std::optional<ChunkValues> ChunkedDataset::values(const Extents& corner)
 {
     if (!is_filtered()) {
@@ -94,13 +87,10 @@ std::optional<ChunkValues> ChunkedDataset::values(const Extents& corner)
         if (!read(corner, bytes)) return {};
         return ChunkValues{bytes, false};
     }
-    unsigned mask = 0;
-    haddr_t address = HADDR_UNDEF;
-    hsize_t size = 0;
-    if (H5Dget_chunk_info_by_coord(dataset_, corner.data(), &mask, &address, &size) < 0) return {};
-    if (address == HADDR_UNDEF) return ChunkValues{fill_value_.data(), true};
-    if (!hold(corner, size)) return {};
-    return codec_->decode(held_);
+    const hsize_t size = stored_bytes(dataset_, corner);
+    if (size > 0) return hold(corner, size) ? codec_->decode(held_) : std::nullopt;
+    if (look_again(dataset_, corner) == Chunk::absent) return ChunkValues{fill_value_.data(), true};
+    return {};
 }
 
 // Takes the chunk's bytes as they are stored; none where there is no such chunk.
@@ -147,7 +137,7 @@ bool ChunkedDataset::write(const Extents& corner, const unsigned char* values, b
     const auto chunk = codec_->encode(values, exact);
     if (!chunk) return false;
     if (is_new || !is_filtered()) return store(corner, *chunk);
-    if (held_.size == 0 || held_corner_ != corner) hold(corner, stored_size(corner));
+    if (held_.size == 0 || held_corner_ != corner) hold(corner, stored_bytes(dataset_, corner));
     const bool good = replace(corner, *chunk);
     held_ = {};
     return good;
@@ -212,7 +202,7 @@ void ChunkedDataset::finish() const
     for (size_t i = 0; i < rank_ && other == *last_masked_; ++i) {
         if (chunk_[i] <= extents_[i]) other[i] = chunk_[i];
     }
-    stored_size(other);
+    stored_bytes(dataset_, other);
 }
 
 }  // namespace vak

@@ -62,7 +62,6 @@ private:
     void describe(hid_t list);
     bool take_layout(hid_t list);
     void take_fill_value(hid_t list);
-    size_t stored_size(const Extents& corner) const;
     bool hold(const Extents& corner, size_t size);
     bool has_room(const StoredChunk& chunk) const;
     bool store_elsewhere(const Extents& corner, const StoredChunk& chunk);

@@ -1,7 +1,8 @@
 #include "storage/rows_in_file.h"
 
-#include <vector>
+#include <functional>
 
+#include "storage/chunk_presence.h"
 #include "storage/hdf5_id.h"
 
 namespace vak {
@@ -10,7 +11,6 @@ namespace {
 
 // More rows than are written between two flushes; a file that claims as many is damaged otherwise.
 constexpr int most_lookups = 65536;
-constexpr size_t largest_element = 65536;
 
 bool grows_by_rows(std::span<const hsize_t> extents, std::span<const hsize_t> maximum)
 {
@@ -18,12 +18,7 @@ bool grows_by_rows(std::span<const hsize_t> extents, std::span<const hsize_t> ma
            !has_entry(extents, 0);
 }
 
-bool has_chunk(hid_t dataset, hsize_t row)
-{
-    const Extents place{row};
-    hsize_t bytes = 0;
-    return H5Dget_chunk_storage_size(dataset, place.data(), &bytes) >= 0 && bytes > 0;
-}
+bool has_chunk(hid_t dataset, hsize_t row) { return stored_bytes(dataset, {row}) > 0; }
 
 // The rows of a chunk; 0 where chunks are not of whole rows, so that some of a row's may be there.
 std::optional<hsize_t> rows_of_chunk(hid_t dataset, std::span<const hsize_t> extents)
@@ -38,39 +33,10 @@ std::optional<hsize_t> rows_of_chunk(hid_t dataset, std::span<const hsize_t> ext
     return std::equal(rest.begin(), rest.end(), chunk.begin() + 1, std::less_equal<>()) ? chunk[0] : 0;
 }
 
-bool is_plain(hid_t type)
-{
-    const H5T_class_t type_class = H5Tget_class(type);
-    const bool is_fixed_text = type_class == H5T_STRING && H5Tis_variable_str(type) == 0;
-    return (type_class == H5T_INTEGER || type_class == H5T_FLOAT || is_fixed_text) &&
-           H5Tget_size(type) <= largest_element;
-}
-
-bool reads(hid_t dataset, hsize_t row)
-{
-    const Type type(H5Dget_type(dataset));
-    if (!is_plain(type.get())) return false;
-    std::vector<unsigned char> value(H5Tget_size(type.get()));
-    const Extents place{row};
-    const Space file(H5Dget_space(dataset));
-    const Space memory(H5Screate(H5S_SCALAR));
-    return H5Sselect_elements(file.get(), H5S_SELECT_SET, 1, place.data()) >= 0 &&
-           H5Dread(dataset, type.get(), memory.get(), file.get(), H5P_DEFAULT, value.data()) >= 0;
-}
-
-// A lookup fails where there is no chunk as it does where the list of chunks cannot be read. Reading fails
-// only there, and a lookup that failed once may not fail again.
-enum class Chunk { there, absent, not_told };
-Chunk look_again(hid_t dataset, hsize_t row)
-{
-    if (has_chunk(dataset, row)) return Chunk::there;
-    return reads(dataset, row) ? Chunk::absent : Chunk::not_told;
-}
-
 // The end of the rows in the chunk at `row`, or in the next one.
 std::optional<hsize_t> end_of_rows(hid_t dataset, hsize_t row, hsize_t step, hsize_t end)
 {
-    const Chunk next = end - row > step ? look_again(dataset, row + step) : Chunk::absent;
+    const Chunk next = end - row > step ? look_again(dataset, {row + step}) : Chunk::absent;
     if (next == Chunk::not_told) return std::nullopt;
     return row + std::min(end - row, (next == Chunk::there ? 2 : 1) * step);
 }
@@ -85,7 +51,8 @@ std::optional<hsize_t> rows_up_to_last_chunk(hid_t dataset, std::span<const hsiz
         if (has_chunk(dataset, row)) return end_of_rows(dataset, row, *step, extents[0]);
         if (row == 0) break;
     }
-    return look_again(dataset, extents[0] - 1) == Chunk::not_told ? std::nullopt : std::optional(extents[0]);
+    return look_again(dataset, {extents[0] - 1}) == Chunk::not_told ? std::nullopt
+                                                                    : std::optional(extents[0]);
 }
 
 }  // namespace

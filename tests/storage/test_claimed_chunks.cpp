@@ -8,7 +8,8 @@
 // clang-format off
 MAY_REFUSE(herr_t, H5Dget_num_chunks, (hid_t d, hid_t s, hsize_t* n), (d, s, n))
 MAY_REFUSE(herr_t, H5Dchunk_iter, (hid_t d, hid_t x, H5D_chunk_iter_op_t f, void* p), (d, x, f, p))
-MAY_REFUSE(herr_t, H5Dget_chunk_info_by_coord, (hid_t d, const hsize_t* o, unsigned* m, haddr_t* a, hsize_t* n), (d, o, m, a, n))
+MAY_REFUSE_ONCE(herr_t, H5Dget_chunk_storage_size, (hid_t d, const hsize_t o[], hsize_t* s), (d, o, s))
+MAY_REFUSE(herr_t, H5Dread, (hid_t d, hid_t t, hid_t m, hid_t f, hid_t x, void* v), (d, t, m, f, x, v))
 // clang-format on
 
 namespace vak::test {
@@ -91,9 +92,14 @@ TEST_F(ClaimedChunks, whose_places_cannot_be_told_are_not_taken_for_absent)
     std::vector<int64_t> wide(2);
     EXPECT_EQ(read(wide, last), done);
     EXPECT_EQ(wide, (std::vector<int64_t>{8, 5}));
-    to_refuse = "H5Dget_chunk_info_by_coord";
-    const Access points{.dims = {number}, .count = {1}, .start = {number - 2}, .mode = point_list};
-    EXPECT_EQ(read(wide, points), not_read(999, "values 2 8 -1"));
+    const auto point = [](hsize_t place) {
+        return Access{.dims = {number}, .count = {1}, .start = {place}, .mode = point_list};
+    };
+    to_refuse = "H5Dread";
+    EXPECT_EQ(read(wide, point(number - 1)), not_read(999, "values 2 8 -1"));
+    to_refuse.clear();
+    to_refuse = "H5Dget_chunk_storage_size";
+    EXPECT_EQ(read(wide, point(number - 2)), not_read(999, "values 2 8 -1"));
 }
 
 TEST_F(ClaimedChunks, are_listed_whole_or_not_at_all_when_memory_runs_out)
