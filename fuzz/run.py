@@ -19,6 +19,7 @@ import time
 
 SEEDS = {"catalogue": "hdf5", "readers": "hdf5", "erase": "hdf5", "extlinks": "hdf5"}
 TARGETS = ["open", "catalogue", "readers", "erase", "merge", "extlinks", "params", "frd", "mtx", "sorting"]
+NO_FRAME = "no frame known"
 FRAME = re.compile(r"^\s+#\d+ 0x[0-9a-f]+ (?:in )?(.*)$")
 HDF5 = re.compile(r"\(.*/libhdf5[^/]*\.so")
 OURS = re.compile(r"/(src|cli|fuzz)/[\w/]+\.(cpp|h):|in vak::|^vak::")
@@ -38,10 +39,6 @@ def frames(report):
         elif stack:
             break
     return stack
-
-
-def no_stack(report):
-    return re.search(r"out-of-memory \(used: ", report) is not None
 
 
 def name_of(frame):
@@ -66,7 +63,7 @@ def classify(report):
             continue
         if OURS.search(frame):
             return "ours", f"{name_of(frame)} ({cause(report)})"
-    return "ours", f"no frame known ({cause(report)})"
+    return "ours", f"{NO_FRAME} ({cause(report)})"
 
 
 class Target:
@@ -106,13 +103,13 @@ class Target:
             return done.returncode
 
     def with_frames(self, report, work, environment):
-        """Who took too much memory at once is told only when nothing else watches what the process has."""
+        """Who took too much memory at once is told only where what the process has is not seen to be too much first."""
         inputs = [path for path in pathlib.Path(work).glob("oom-*") if path.is_file()]
-        if not no_stack(report) or not inputs:
+        if not classify(report)[1].startswith(NO_FRAME) or not inputs:
             return report
-        command = [str(self.program), "-rss_limit_mb=0", "-malloc_limit_mb=256", "-runs=1", str(inputs[0])]
-        again = subprocess.run(command, env=environment, capture_output=True, check=False)
-        return again.stderr.decode(errors="replace") if again.returncode != 0 else report
+        command = [str(self.program), "-rss_limit_mb=6000", "-malloc_limit_mb=256", "-timeout=10", "-runs=1", str(inputs[0])]
+        again = subprocess.run(command, env=environment, capture_output=True, check=False).stderr.decode(errors="replace")
+        return report if classify(again)[1].startswith(NO_FRAME) else again
 
     def keep(self, report, work):
         whose, where = classify(report)

@@ -1,6 +1,7 @@
 #include "merge/expected.h"
 
 #include <algorithm>
+#include <functional>
 #include <limits>
 #include <map>
 

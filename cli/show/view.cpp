@@ -1,5 +1,7 @@
 #include "show/view.h"
 
+#include <algorithm>
+
 #include "show/kinds.h"
 
 namespace vak::show {

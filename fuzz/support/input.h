@@ -1,6 +1,7 @@
 // What a fuzz target is given, and what it makes of it.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <cstring>
 #include <span>

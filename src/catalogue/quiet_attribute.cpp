@@ -1,6 +1,8 @@
 // Attributes read without a word, for walks over files that may hold anything.
 #include "catalogue/quiet_attribute.h"
 
+#include <algorithm>
+
 #include "storage/element_type.h"
 
 namespace vak {

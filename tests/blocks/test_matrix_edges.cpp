@@ -1,4 +1,6 @@
 // What each kind of matrix has of its own: layouts, large orders, no entries.
+#include <limits>
+
 #include "samples/densematrix.h"
 #include "samples/sparsematrix.h"
 #include "samples/triangularmatrix.h"

@@ -1,4 +1,5 @@
 // Files of very many blocks.
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 

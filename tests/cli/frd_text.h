@@ -1,6 +1,7 @@
 // Writes result files as the CalculiX solver does, for the tests.
 #pragma once
 
+#include <algorithm>
 #include <cstdio>
 #include <fstream>
 #include <map>

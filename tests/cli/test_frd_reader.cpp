@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <cstring>
 
 #include "cli/frd_text.h"

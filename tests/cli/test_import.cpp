@@ -2,6 +2,8 @@
 #include <gmock/gmock.h>
 #include <vak_sp.h>
 
+#include <cmath>
+#include <limits>
 #include <nlohmann/json.hpp>
 
 #include "cli/import_test.h"

@@ -1,6 +1,7 @@
 // vak import --domains: cut, written, merged again, a result is what it was.
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <map>
 #include <set>

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <vak_sp.h>
 
+#include <algorithm>
 #include <cmath>
 #include <filesystem>
 #include <nlohmann/json.hpp>

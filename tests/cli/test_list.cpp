@@ -3,6 +3,7 @@
 #include <hdf5.h>
 #include <vak_sp.h>
 
+#include <algorithm>
 #include <nlohmann/json.hpp>
 
 #include "cli/frd_text.h"

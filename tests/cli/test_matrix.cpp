@@ -2,6 +2,7 @@
 #include <gmock/gmock.h>
 #include <vak_sp.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <map>
 #include <nlohmann/json.hpp>

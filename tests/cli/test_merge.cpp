@@ -3,6 +3,7 @@
 #include <hdf5.h>
 #include <signal.h>
 
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <thread>

@@ -3,6 +3,7 @@
 
 #include <hdf5.h>
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <deque>

@@ -1,5 +1,7 @@
 // Counts that lengths are summed from, which the library reads into memory of its own where the caller wants
 // none: it takes no more than 64 MiB, however many the file claims.
+#include <limits>
+
 #include "contracts/stored_fields.h"
 #include "samples/indices.h"
 #include "samples/system.h"

@@ -1,5 +1,7 @@
 // Whatever stands in the file in place of a field, a reader gives values or one line with its status, and
 // touches nothing of the caller's that is not its own. (The sanitizers watch the arrays.)
+#include <limits>
+
 #include "contracts/kinds.h"
 #include "contracts/stored_fields.h"
 

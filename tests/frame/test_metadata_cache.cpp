@@ -2,6 +2,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
+
 #include "frame/file_size_limit.h"
 #include "frame/frame_test.h"
 #include "frame/paths.h"

@@ -1,4 +1,6 @@
 // Versions, build strings and the chunk size.
+#include <algorithm>
+
 #include "frame/frame_test.h"
 #include "storage/storage.h"
 

@@ -1,5 +1,7 @@
 // Filtered chunks that were damaged: one that does not become as long as a chunk is is refused, by our own
 // hand or before HDF5 unpacks it.
+#include <algorithm>
+
 #include "damaged_layouts_test.h"
 
 namespace vak::test {

@@ -1,4 +1,7 @@
 // Slabs of datasets: appended behind the present end, written and read in place.
+#include <algorithm>
+#include <limits>
+
 #include "storage_test.h"
 
 namespace vak::test {

@@ -1,4 +1,5 @@
 // Slabs and points in scaled datasets: nothing beside them is rounded again.
+#include <algorithm>
 #include <cmath>
 
 #include "direct_chunks_test.h"

@@ -1,4 +1,6 @@
 // Scale-offset chunks that are damaged, and forms that are not ours.
+#include <algorithm>
+
 #include "scale_offset_test.h"
 
 namespace vak::test {

@@ -1,4 +1,5 @@
 // Scale-offset chunks of floating point numbers.
+#include <algorithm>
 #include <cmath>
 #include <limits>
 
