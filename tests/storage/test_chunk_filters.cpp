@@ -6,6 +6,7 @@
 #include <random>
 
 #include "chunk_judge.h"
+#include "storage/chunk_length.h"
 #include "storage/shuffle.h"
 #include "support/library.h"
 
@@ -253,6 +254,17 @@ TEST(Shuffle, elements_of_every_size_come_back)
             EXPECT_EQ(shuffled[size / element], bytes[1]);
         }
     }
+}
+
+TEST(ChunkLength, of_filters_that_cannot_be_followed_is_not_known)
+{
+    const PropertiesId list(H5Pcreate(H5P_DATASET_CREATE), "list");
+    const hsize_t chunk = 8;
+    H5Pset_chunk(list, 1, &chunk);
+    H5Pset_deflate(list, 6);
+    EXPECT_TRUE(ChunkLength(list, 32).is_known());
+    H5Pset_nbit(list);
+    EXPECT_FALSE(ChunkLength(list, 32).is_known());
 }
 
 }  // namespace

@@ -46,6 +46,24 @@ TEST_F(DatasetHyperslab, states_are_appended_one_by_one)
     EXPECT_EQ(dataset_values<int32_t>(file, "values"), numbers<int32_t>(24));
 }
 
+// Many values that do not stand side by side are taken from whole chunks.
+TEST_F(DatasetHyperslab, scattered_values_of_chunks_without_filters_are_read)
+{
+    constexpr hsize_t states_written = 3, n = 200;
+    Access all{.dims = {H5S_UNLIMITED, n, 2},
+               .count = {states_written, n, 2},
+               .start = {0, 0, 0},
+               .mode = hyperslab};
+    EXPECT_EQ(write(numbers<float>(states_written * n * 2), all), done);
+    std::vector<double> second(states_written * n);
+    EXPECT_EQ(read(second, {.dims = {states_written, n, 2},
+                            .count = {states_written, n, 1},
+                            .start = {0, 0, 1},
+                            .mode = hyperslab}),
+              done);
+    for (size_t i = 0; i < second.size(); ++i) EXPECT_EQ(second[i], static_cast<double>(2 * i + 1));
+}
+
 TEST_F(DatasetHyperslab, skipped_places_hold_the_fill_value)
 {
     EXPECT_EQ(write(numbers<int32_t>(6, 1), states(1)), done);
