@@ -20,10 +20,8 @@ public:
     GuardedDefault(const GuardedDefault&) = delete;
     GuardedDefault& operator=(const GuardedDefault&) = delete;
 
-    bool valid() const
-    {
-        return is_guarded_;
-    }  // later releases of HDF5 let nobody change their default lists
+    // Later releases of HDF5 let nobody change their default lists.
+    bool valid() const { return is_guarded_; }
 
 private:
     bool is_guarded_ = false;
