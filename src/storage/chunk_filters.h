@@ -16,6 +16,12 @@
 
 namespace vak {
 
+// More than this no filter adds to a chunk; larger ones were made to harm.
+constexpr size_t largest_stored(size_t chunk_bytes)
+{
+    return chunk_bytes + chunk_bytes / 8 + size_t{64} * 1024;
+}
+
 struct FilterStep {
     H5Z_filter_t id = 0;
     unsigned parameter = 0;  // shuffle: size of an element; deflate: level

@@ -15,7 +15,7 @@ constexpr size_t largest_claimed = size_t{64} << 20;
 }  // namespace
 
 ChunkLength::ChunkLength(hid_t creation_list, size_t chunk_bytes)
-    : chunk_bytes_(chunk_bytes), longest_(chunk_bytes + chunk_bytes / 8 + size_t{64} * 1024)
+    : chunk_bytes_(chunk_bytes), longest_(largest_stored(chunk_bytes))
 {
     const int number = H5Pget_nfilters(creation_list);
     for (int i = 0; i < number; ++i) {

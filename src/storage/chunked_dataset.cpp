@@ -16,9 +16,6 @@ namespace {
 
 constexpr hsize_t largest_chunk_bytes = 0xFFFFFFFF;  // of HDF5
 
-// More than this no filter adds to a chunk; larger ones were made to harm.
-size_t largest_stored(size_t chunk_bytes) { return chunk_bytes + chunk_bytes / 8 + size_t{64} * 1024; }
-
 }  // namespace
 
 ChunkedDataset::ChunkedDataset(hid_t dataset, hid_t list, std::span<const hsize_t> extents)

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <new>
 
+#include "storage/chunk_filters.h"
 #include "storage/rows_in_file.h"
 #include "storage/storage.h"
 
@@ -66,8 +67,7 @@ size_t bytes_of(const StoredSeries& s, const hsize_t* extents)
 
 bool has_plausible_chunks(const StoredSeries& s)
 {
-    const size_t nominal = chunk_bytes(s);
-    const size_t largest = nominal + nominal / 8 + size_t{64} * 1024;
+    const size_t largest = largest_stored(chunk_bytes(s));
     return std::ranges::all_of(s.chunks, [&](const StoredChunkPlace& c) { return c.bytes <= largest; });
 }
 
